@@ -1,0 +1,5 @@
+#include <vorn_container.h>
+
+#include "demo.h"
+
+void demo_lu(void) {}

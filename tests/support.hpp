@@ -1,0 +1,90 @@
+// What the tests share: catching raises as C++ exceptions, and a fixture
+// that checks every MM_ block taken during a test is given back.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+#include "vorn_container.h"
+
+namespace vorn_test {
+
+// A raise caught by the handler below.
+struct Raised {
+    std::string file;
+    int32_t line;
+    int32_t code;
+    bool operator==(const Raised &) const = default;
+};
+
+inline void throwing_handler(const char *file, int32_t line, int32_t code) {
+    throw Raised{file ? file : "", line, code};
+}
+
+// Runs `f` with the throwing raise handler installed; gives the raise, if any.
+template <class F>
+std::optional<Raised> catch_raise(F &&f) {
+    EX_raise_handler before = EX_set_raise_handler(throwing_handler);
+    std::optional<Raised> got;
+    try {
+        f();
+    } catch (const Raised &r) {
+        got = r;
+    }
+    EX_set_raise_handler(before);
+    return got;
+}
+
+inline std::string describe(const std::optional<Raised> &r) {
+    if (!r) return "no raise";
+    return r->file + " line " + std::to_string(r->line) + " code " + std::to_string(r->code);
+}
+
+// Expects `stmt` to raise exactly (file, line, code).
+#define EXPECT_RAISES(stmt, file_, line_, code_)                                         \
+    do {                                                                                 \
+        auto vorn_got_ = ::vorn_test::catch_raise([&] { stmt; });                        \
+        EXPECT_EQ(::vorn_test::describe(vorn_got_),                                      \
+                  ::vorn_test::describe(::vorn_test::Raised{file_, line_, code_}));      \
+    } while (0)
+
+// Fixture: fails a test that leaves MM_ blocks behind or an injected failure
+// armed.
+class LeakChecked : public ::testing::Test {
+protected:
+    void SetUp() override {
+        MM_fail_after(-1);
+        blocks_ = MM_blocks_in_use();
+        bytes_ = MM_bytes_in_use();
+    }
+    void TearDown() override {
+        MM_fail_after(-1);
+        EXPECT_EQ(MM_blocks_in_use(), blocks_) << "MM_ blocks leaked";
+        EXPECT_EQ(MM_bytes_in_use(), bytes_) << "MM_ bytes leaked";
+    }
+
+private:
+    int64_t blocks_ = 0;
+    int64_t bytes_ = 0;
+};
+
+// Small deterministic generator for the randomized tests (seeded per test so
+// that a failure repeats).
+struct Rng {
+    uint64_t s;
+    explicit Rng(uint64_t seed) : s(seed * 0x9E3779B97F4A7C15ull + 1) {}
+    uint64_t next() {
+        s ^= s << 13;
+        s ^= s >> 7;
+        s ^= s << 17;
+        return s;
+    }
+    // Uniform in [0, n).
+    uint32_t below(uint32_t n) { return static_cast<uint32_t>(next() % n); }
+    bool chance(uint32_t percent) { return below(100) < percent; }
+};
+
+}  // namespace vorn_test

@@ -1,0 +1,105 @@
+// The base services: counters, failure injection, the raise path, the
+// checked mode and the system colour stand-in.
+#include <cstdarg>
+#include <cstring>
+#include <string>
+
+#include "support.hpp"
+
+namespace {
+
+TEST(Base, CountersFollowAllocResizeAndRelease) {
+    const int64_t blocks = MM_blocks_in_use(), bytes = MM_bytes_in_use();
+    void *a = MM_alloc_item(24);
+    void *z = MM_alloc_item(0);  // a size of 0 is a block too
+    ASSERT_NE(a, nullptr);
+    ASSERT_NE(z, nullptr);
+    EXPECT_EQ(MM_blocks_in_use(), blocks + 2);
+    EXPECT_EQ(MM_bytes_in_use(), bytes + 24);
+    std::memset(a, 0xAB, 24);
+    a = MM_realloc_item(a, 24, 4000);
+    EXPECT_EQ(static_cast<unsigned char *>(a)[23], 0xAB);  // content survives
+    EXPECT_EQ(MM_bytes_in_use(), bytes + 4000);
+    a = MM_realloc_item(a, 4000, 8);
+    EXPECT_EQ(static_cast<unsigned char *>(a)[7], 0xAB);
+    MM_dealloc_item(a, 8);
+    MM_dealloc_item(z, 0);
+    MM_dealloc_item(nullptr, 5);  // ignored
+    EXPECT_EQ(MM_blocks_in_use(), blocks);
+    EXPECT_EQ(MM_bytes_in_use(), bytes);
+}
+
+TEST(Base, FailAfterFailsExactlyOneAllocation) {
+    MM_fail_after(2);
+    void *a = MM_alloc_item(8);
+    void *b = MM_alloc_item(8);
+    void *c = MM_alloc_item(8);  // the injected failure
+    void *d = MM_alloc_item(8);  // injection is over
+    EXPECT_NE(a, nullptr);
+    EXPECT_NE(b, nullptr);
+    EXPECT_EQ(c, nullptr);
+    EXPECT_NE(d, nullptr);
+    // A growing resize can fail and keeps the old block; shrinking never fails.
+    MM_fail_after(0);
+    EXPECT_EQ(MM_realloc_item(a, 8, 64), nullptr);
+    MM_fail_after(0);
+    a = MM_realloc_item(a, 8, 4);
+    EXPECT_NE(a, nullptr);
+    MM_fail_after(-1);
+    MM_dealloc_item(a, 4);
+    MM_dealloc_item(b, 8);
+    MM_dealloc_item(d, 8);
+}
+
+TEST(Base, RaiseHandlerAndDefaultMessage) {
+    EXPECT_RAISES(EX_raise_exception_line("darray", 25, 4197), "darray", 25, 4197);
+    EXPECT_DEATH(EX_raise_exception_line("plut", 85, 4397), "vorn_container: raised plut line 85 code 4397");
+}
+
+std::string g_printed;
+int capture(const char *format, ...) {
+    char buf[256];
+    va_list ap;
+    va_start(ap, format);
+    const int n = std::vsnprintf(buf, sizeof buf, format, ap);
+    va_end(ap);
+    g_printed += buf;
+    return n;
+}
+
+TEST(Base, TprintfIsReadAtEveryUseAndSysColoursAreTheDefaults) {
+    auto before = Tprintf;
+    Tprintf = capture;
+    Tprintf("%d-%s", 7, "x");
+    Tprintf = before;
+    EXPECT_EQ(g_printed, "7-x");
+    debug_break();  // comes back
+    EXPECT_EQ(GetSysColor(15), 0x00F0F0F0u);
+    EXPECT_EQ(GetSysColor(13), 0x00D77800u);
+    EXPECT_EQ(GetSysColor(14), 0x00FFFFFFu);
+}
+
+#ifdef VORN_MM_CHECKED
+TEST(BaseChecked, WrongSizeOrUnknownBlockStopsTheProcess) {
+    EXPECT_DEATH(
+        {
+            void *a = MM_alloc_item(16);
+            MM_dealloc_item(a, 24);
+        },
+        "MM_dealloc_item of block .* with size 24; its size is 16");
+    EXPECT_DEATH(
+        {
+            void *a = MM_alloc_item(16);
+            a = MM_realloc_item(a, 8, 32);
+        },
+        "MM_realloc_item of block .* with size 8; its size is 16");
+    EXPECT_DEATH(
+        {
+            int local = 0;
+            MM_dealloc_item(&local, sizeof local);
+        },
+        "not in use");
+}
+#endif
+
+}  // namespace

@@ -1,0 +1,22 @@
+#!/usr/bin/env bash
+# Builds with warnings as errors and runs every test, then builds again with
+# AddressSanitizer and UndefinedBehaviorSanitizer and runs every test again.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+tools/deps.sh
+jobs="$(nproc)"
+
+run() {  # run <build dir> <cmake args...>
+  local dir=$1
+  shift
+  cmake -S . -B "$dir" -DVORN_WERROR=ON "$@" >/dev/null
+  cmake --build "$dir" -j"$jobs"
+  ctest --test-dir "$dir" --output-on-failure -j"$jobs"
+}
+
+echo "== build with warnings as errors, all tests"
+run build/test -DCMAKE_BUILD_TYPE=RelWithDebInfo -DVORN_MM_CHECKED=ON
+echo "== AddressSanitizer + UndefinedBehaviorSanitizer, all tests"
+ASAN_OPTIONS=detect_leaks=1:abort_on_error=1 UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1 \
+  run build/asan -DCMAKE_BUILD_TYPE=Debug -DVORN_SANITIZE=address,undefined -DVORN_GTEST_FROM_SOURCE=ON
+echo "== all tests passed"
