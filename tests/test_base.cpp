@@ -1,8 +1,13 @@
 // The base services: counters, failure injection, the raise path, the
 // checked mode and the system colour stand-in.
+#include <algorithm>
+#include <atomic>
 #include <cstdarg>
 #include <cstring>
+#include <mutex>
 #include <string>
+#include <thread>
+#include <vector>
 
 #include "support.hpp"
 
@@ -101,5 +106,73 @@ TEST(BaseChecked, WrongSizeOrUnknownBlockStopsTheProcess) {
         "not in use");
 }
 #endif
+
+}  // namespace
+
+namespace {
+
+// Blocks of every size around the class boundaries and the large limit keep
+// their content through resizes in both directions.
+TEST(BaseBlocks, ResizeAcrossClassesAndTheLargeLimitKeepsContent) {
+    const int64_t blocks = MM_blocks_in_use(), bytes = MM_bytes_in_use();
+    const size_t sizes[] = {1, 7, 8, 9, 24, 100, 511, 512, 513, 4096, 100000};
+    for (size_t from : sizes) {
+        for (size_t to : sizes) {
+            auto *p = static_cast<unsigned char *>(MM_alloc_item(from));
+            for (size_t i = 0; i < from; ++i) p[i] = static_cast<unsigned char>(i * 7 + from);
+            p = static_cast<unsigned char *>(MM_realloc_item(p, from, to));
+            for (size_t i = 0; i < std::min(from, to); ++i)
+                ASSERT_EQ(p[i], static_cast<unsigned char>(i * 7 + from)) << from << "->" << to;
+            MM_dealloc_item(p, to);
+        }
+    }
+    EXPECT_EQ(MM_blocks_in_use(), blocks);
+    EXPECT_EQ(MM_bytes_in_use(), bytes);
+}
+
+// Threads take blocks, hand half of them to a neighbour that frees them, and
+// free the rest themselves; no block is handed out twice and the counters
+// come back to where they were.
+TEST(BaseBlocks, BlocksFreedOnOtherThreadsAndCountersStayExact) {
+    constexpr int kThreads = 4, kRounds = 20, kPerRound = 2000;
+    const int64_t blocks = MM_blocks_in_use(), bytes = MM_bytes_in_use();
+    std::vector<std::vector<std::pair<void *, size_t>>> handoff(kThreads);
+    std::mutex m;
+    std::atomic<int> bad{0};
+    std::vector<std::thread> threads;
+    for (int t = 0; t < kThreads; ++t) {
+        threads.emplace_back([&, t] {
+            vorn_test::Rng rng(static_cast<uint64_t>(t) + 1);
+            for (int round = 0; round < kRounds; ++round) {
+                std::vector<std::pair<void *, size_t>> mine;
+                for (int i = 0; i < kPerRound; ++i) {
+                    size_t size = rng.chance(2) ? 600 + rng.below(2000) : 1 + rng.below(200);
+                    auto *p = static_cast<unsigned char *>(MM_alloc_item(size));
+                    std::memset(p, t + 1, size);
+                    mine.emplace_back(p, size);
+                }
+                std::vector<std::pair<void *, size_t>> theirs;
+                {
+                    std::lock_guard<std::mutex> lock(m);
+                    theirs.swap(handoff[t]);
+                    auto &next = handoff[(t + 1) % kThreads];
+                    next.insert(next.end(), mine.begin() + kPerRound / 2, mine.end());
+                }
+                mine.resize(kPerRound / 2);
+                for (auto [p, size] : mine) {
+                    if (static_cast<unsigned char *>(p)[size - 1] != t + 1) ++bad;
+                    MM_dealloc_item(p, size);
+                }
+                for (auto [p, size] : theirs) MM_dealloc_item(p, size);
+            }
+        });
+    }
+    for (auto &th : threads) th.join();
+    for (auto &left : handoff)
+        for (auto [p, size] : left) MM_dealloc_item(p, size);
+    EXPECT_EQ(bad.load(), 0);
+    EXPECT_EQ(MM_blocks_in_use(), blocks);
+    EXPECT_EQ(MM_bytes_in_use(), bytes);
+}
 
 }  // namespace

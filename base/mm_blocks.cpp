@@ -1,0 +1,393 @@
+// The memory blocks of the base services.
+//
+// Every block is released with the exact size it was taken with and carries
+// no header, so small blocks come from size-class slabs: a block of class c
+// is one slot of c bytes in a 64 KiB span, and a free slot holds nothing but
+// the link to the next free slot.  Each thread keeps a cache of free slots
+// per class in front of the shared lists; taking and giving back a small
+// block is a pointer pop or push on the calling thread.  A block may be
+// released on another thread than the one that took it: it simply joins the
+// releasing thread's cache.  Blocks above kMaxSmall bytes go to the system
+// allocator, so that resizing a large block can grow it in place.
+//
+// The counters are per thread (written by their owner only) and summed on
+// request; the failure injection is one process-wide countdown.
+//
+// Sanitizer builds define VORN_MM_SYSTEM and send every block to the system
+// allocator, so that AddressSanitizer and valgrind see each block.  The
+// checked mode (VORN_MM_CHECKED) records every live block with its size and
+// stops the process at a release or resize with a wrong size.
+
+#include <atomic>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <mutex>
+#include <new>
+#include <unordered_map>
+
+#include "vorn_base.h"
+
+#if defined(__GNUC__) && !defined(_WIN32)
+#define VORN_TLS_FAST __attribute__((tls_model("initial-exec")))
+#else
+#define VORN_TLS_FAST
+#endif
+
+namespace {
+
+[[noreturn]] void out_of_memory(size_t size) {
+    std::fprintf(stderr, "vorn_base: out of memory for a block of %zu bytes\n", size);
+    std::fflush(stderr);
+    std::abort();
+}
+
+// ---- failure injection -------------------------------------------------------------
+
+std::atomic<int64_t> g_fail_after{-1};
+
+// True when this allocation is the injected failure.  One-shot: after the
+// failing allocation the injection is off again.
+inline bool inject_failure() {
+    int64_t n = g_fail_after.load(std::memory_order_relaxed);
+    if (n < 0) return false;  // the common case: one relaxed load
+    while (n >= 0) {
+        const int64_t next = n == 0 ? -1 : n - 1;
+        if (g_fail_after.compare_exchange_weak(n, next, std::memory_order_relaxed)) return n == 0;
+    }
+    return false;
+}
+
+// ---- checked mode -------------------------------------------------------------------
+
+#ifdef VORN_MM_CHECKED
+std::mutex &registry_mutex() {
+    static auto *m = new std::mutex();  // never destroyed: used until the process ends
+    return *m;
+}
+std::unordered_map<const void *, size_t> &registry() {
+    static auto *r = new std::unordered_map<const void *, size_t>();
+    return *r;
+}
+
+[[noreturn]] void checked_failure(const char *what, const void *block, size_t given,
+                                  size_t recorded, bool known) {
+    if (known)
+        std::fprintf(stderr, "vorn_base: %s of block %p with size %zu; its size is %zu\n", what,
+                     block, given, recorded);
+    else
+        std::fprintf(stderr, "vorn_base: %s of block %p (size %zu) that is not in use\n", what,
+                     block, given);
+    std::fflush(stderr);
+    std::abort();
+}
+
+void record_block(const void *block, size_t size) {
+    std::lock_guard<std::mutex> lock(registry_mutex());
+    registry()[block] = size;
+}
+
+void check_and_forget(const char *what, const void *block, size_t size) {
+    std::lock_guard<std::mutex> lock(registry_mutex());
+    auto it = registry().find(block);
+    if (it == registry().end()) checked_failure(what, block, size, 0, false);
+    if (it->second != size) checked_failure(what, block, size, it->second, true);
+    registry().erase(it);
+}
+#else
+inline void record_block(const void *, size_t) {}
+inline void check_and_forget(const char *, const void *, size_t) {}
+#endif
+
+// ---- counters --------------------------------------------------------------------------
+
+// One thread's share of the counters.  Only the owner writes; any thread may
+// read, hence relaxed atomics (plain moves on the usual platforms).
+struct Counters {
+    std::atomic<int64_t> blocks{0};
+    std::atomic<int64_t> bytes{0};
+    Counters *next_live = nullptr;
+
+    void add(int64_t nblocks, int64_t nbytes) {
+        blocks.store(blocks.load(std::memory_order_relaxed) + nblocks, std::memory_order_relaxed);
+        bytes.store(bytes.load(std::memory_order_relaxed) + nbytes, std::memory_order_relaxed);
+    }
+};
+
+// The counters of all live threads, and what ended threads left behind.
+struct CounterRegistry {
+    std::mutex mutex;
+    Counters *live = nullptr;
+    std::atomic<int64_t> retired_blocks{0};
+    std::atomic<int64_t> retired_bytes{0};
+};
+CounterRegistry &counter_registry() {
+    static auto *r = new CounterRegistry();  // never destroyed
+    return *r;
+}
+
+// ---- size classes ------------------------------------------------------------------------
+
+constexpr size_t kGrain = sizeof(void *) < 8 ? sizeof(void *) : 8;  // slot size step
+constexpr size_t kMaxSmall = 512;
+constexpr size_t kClasses = kMaxSmall / kGrain + 1;
+constexpr size_t kSpanBytes = 64 * 1024;
+constexpr uint32_t kCacheLimit = 512;   // free slots a thread keeps per class
+constexpr uint32_t kTransfer = 256;     // slots moved at once to the shared list
+
+// A slot of size s (s <= kMaxSmall) belongs to class ceil(s / kGrain); class
+// 0 (size 0) shares the smallest slot.  A slot's address is a multiple of
+// the largest power of two (up to 16) that divides its class size, and the
+// size of any type is a multiple of its alignment, so every block is aligned
+// for what fits in it.
+constexpr size_t class_of(size_t size) { return size == 0 ? 1 : (size + kGrain - 1) / kGrain; }
+constexpr size_t slot_size(size_t cls) { return cls * kGrain; }
+static_assert(slot_size(1) >= sizeof(void *), "a free slot holds its link");
+
+struct FreeSlot {
+    FreeSlot *next;
+};
+
+// The shared free list of one class.
+struct SharedBin {
+    std::mutex mutex;
+    FreeSlot *head = nullptr;
+    uint32_t count = 0;
+};
+SharedBin *shared_bins() {
+    static auto *bins = new SharedBin[kClasses];  // never destroyed
+    return bins;
+}
+
+// A thread's bin: free slots, then the untouched rest of its newest span.
+struct Bin {
+    FreeSlot *head = nullptr;
+    uint32_t count = 0;
+    char *bump = nullptr;
+    char *bump_end = nullptr;
+};
+
+struct ThreadCache {
+    Bin bins[kClasses];
+    Counters counters;
+};
+
+// A span for slots of one class, aligned to 16 bytes by malloc.  Spans are
+// never given back to the system: their slots circulate through the lists.
+void new_span(Bin &b, size_t cls) {
+    const size_t slot = slot_size(cls);
+    const size_t bytes = kSpanBytes - kSpanBytes % slot;
+    char *span = static_cast<char *>(std::malloc(bytes));
+    if (!span) out_of_memory(bytes);
+    b.bump = span;
+    b.bump_end = span + bytes;
+}
+
+void refill(Bin &b, size_t cls) {
+    SharedBin &s = shared_bins()[cls];
+    {
+        std::lock_guard<std::mutex> lock(s.mutex);
+        if (s.head) {  // take up to kTransfer slots
+            FreeSlot *first = s.head, *last = first;
+            uint32_t n = 1;
+            while (n < kTransfer && last->next) last = last->next, ++n;
+            s.head = last->next;
+            s.count -= n;
+            last->next = nullptr;
+            b.head = first;
+            b.count = n;
+            return;
+        }
+    }
+    new_span(b, cls);
+}
+
+// Gives kTransfer slots of a full thread bin to the shared list.
+void give_back(Bin &b, size_t cls) {
+    FreeSlot *first = b.head, *last = first;
+    for (uint32_t n = 1; n < kTransfer; ++n) last = last->next;
+    b.head = last->next;
+    b.count -= kTransfer;
+    SharedBin &s = shared_bins()[cls];
+    std::lock_guard<std::mutex> lock(s.mutex);
+    last->next = s.head;
+    s.head = first;
+    s.count += kTransfer;
+}
+
+// Thread end: every cached and untouched slot goes to the shared lists and
+// the counters to the retired totals.
+void retire(ThreadCache *tc) {
+    for (size_t cls = 1; cls < kClasses; ++cls) {
+        Bin &b = tc->bins[cls];
+        const size_t slot = slot_size(cls);
+        for (; b.bump && b.bump + slot <= b.bump_end; b.bump += slot) {
+            auto *f = reinterpret_cast<FreeSlot *>(b.bump);
+            f->next = b.head;
+            b.head = f;
+            ++b.count;
+        }
+        if (!b.head) continue;
+        FreeSlot *last = b.head;
+        while (last->next) last = last->next;
+        SharedBin &s = shared_bins()[cls];
+        std::lock_guard<std::mutex> lock(s.mutex);
+        last->next = s.head;
+        s.head = b.head;
+        s.count += b.count;
+    }
+    CounterRegistry &r = counter_registry();
+    std::lock_guard<std::mutex> lock(r.mutex);
+    for (Counters **p = &r.live; *p; p = &(*p)->next_live) {
+        if (*p == &tc->counters) {
+            *p = tc->counters.next_live;
+            break;
+        }
+    }
+    r.retired_blocks.fetch_add(tc->counters.blocks.load(std::memory_order_relaxed));
+    r.retired_bytes.fetch_add(tc->counters.bytes.load(std::memory_order_relaxed));
+    tc->~ThreadCache();
+    std::free(tc);
+}
+
+thread_local ThreadCache *t_cache VORN_TLS_FAST = nullptr;
+thread_local bool t_reaped VORN_TLS_FAST = false;
+
+// Hands the cache back when its thread ends.  A block taken after that (by a
+// destructor running later at thread end) gets a cache that is not reaped.
+struct CacheReaper {
+    ~CacheReaper() {
+        if (t_cache) retire(t_cache);
+        t_cache = nullptr;
+        t_reaped = true;
+    }
+};
+thread_local CacheReaper t_reaper;
+
+ThreadCache *make_cache() {
+    void *raw = std::malloc(sizeof(ThreadCache));
+    if (!raw) out_of_memory(sizeof(ThreadCache));
+    auto *tc = new (raw) ThreadCache();
+    {
+        CounterRegistry &r = counter_registry();
+        std::lock_guard<std::mutex> lock(r.mutex);
+        tc->counters.next_live = r.live;
+        r.live = &tc->counters;
+    }
+    t_cache = tc;
+    if (!t_reaped) (void)&t_reaper;  // touching it registers its destructor for this thread
+    return tc;
+}
+
+inline ThreadCache &cache() {
+    ThreadCache *tc = t_cache;
+    return tc ? *tc : *make_cache();
+}
+
+// ---- taking and giving back ----------------------------------------------------------------
+
+#ifdef VORN_MM_SYSTEM
+inline void *take(ThreadCache &, size_t size) { return std::malloc(size ? size : 1); }
+inline void give(ThreadCache &, void *block, size_t) { std::free(block); }
+#else
+inline void *take(ThreadCache &tc, size_t size) {
+    if (size > kMaxSmall) return std::malloc(size);
+    const size_t cls = class_of(size);
+    Bin &b = tc.bins[cls];
+    if (FreeSlot *f = b.head) {
+        b.head = f->next;
+        --b.count;
+        return f;
+    }
+    const size_t slot = slot_size(cls);
+    if (b.bump == b.bump_end) refill(b, cls);
+    if (FreeSlot *f = b.head) {
+        b.head = f->next;
+        --b.count;
+        return f;
+    }
+    void *block = b.bump;
+    b.bump += slot;
+    return block;
+}
+
+inline void give(ThreadCache &tc, void *block, size_t size) {
+    if (size > kMaxSmall) return std::free(block);
+    const size_t cls = class_of(size);
+    Bin &b = tc.bins[cls];
+    auto *f = static_cast<FreeSlot *>(block);
+    f->next = b.head;
+    b.head = f;
+    if (++b.count > kCacheLimit) give_back(b, cls);
+}
+#endif
+
+}  // namespace
+
+extern "C" {
+
+void *MM_alloc_item(size_t size) {
+    if (inject_failure()) return nullptr;
+    ThreadCache &tc = cache();
+    void *block = take(tc, size);
+    if (!block) out_of_memory(size);
+    record_block(block, size);
+    tc.counters.add(1, static_cast<int64_t>(size));
+    return block;
+}
+
+void *MM_realloc_item(void *block, size_t old_size, size_t new_size) {
+    if (!block) return MM_alloc_item(new_size);
+    if (new_size > old_size && inject_failure()) return nullptr;
+    check_and_forget("MM_realloc_item", block, old_size);
+    ThreadCache &tc = cache();
+    void *moved;
+#ifdef VORN_MM_SYSTEM
+    moved = std::realloc(block, new_size ? new_size : 1);
+#else
+    if (old_size > kMaxSmall && new_size > kMaxSmall) {
+        moved = std::realloc(block, new_size);  // the system may grow it in place
+    } else if (old_size <= kMaxSmall && new_size <= kMaxSmall &&
+               class_of(old_size) == class_of(new_size)) {
+        moved = block;  // the slot already fits
+    } else {
+        moved = take(tc, new_size);
+        if (moved) {
+            std::memcpy(moved, block, old_size < new_size ? old_size : new_size);
+            give(tc, block, old_size);
+        }
+    }
+#endif
+    if (!moved) out_of_memory(new_size);
+    record_block(moved, new_size);
+    tc.counters.add(0, static_cast<int64_t>(new_size) - static_cast<int64_t>(old_size));
+    return moved;
+}
+
+void MM_dealloc_item(void *block, size_t size) {
+    if (!block) return;
+    check_and_forget("MM_dealloc_item", block, size);
+    ThreadCache &tc = cache();
+    give(tc, block, size);
+    tc.counters.add(-1, -static_cast<int64_t>(size));
+}
+
+int64_t MM_blocks_in_use(void) {
+    CounterRegistry &r = counter_registry();
+    std::lock_guard<std::mutex> lock(r.mutex);
+    int64_t n = r.retired_blocks.load();
+    for (Counters *c = r.live; c; c = c->next_live) n += c->blocks.load(std::memory_order_relaxed);
+    return n;
+}
+
+int64_t MM_bytes_in_use(void) {
+    CounterRegistry &r = counter_registry();
+    std::lock_guard<std::mutex> lock(r.mutex);
+    int64_t n = r.retired_bytes.load();
+    for (Counters *c = r.live; c; c = c->next_live) n += c->bytes.load(std::memory_order_relaxed);
+    return n;
+}
+
+void MM_fail_after(int64_t n) { g_fail_after.store(n < 0 ? -1 : n, std::memory_order_relaxed); }
+
+}  // extern "C"
