@@ -1,0 +1,52 @@
+// What the benchmarks share: the workload size, deterministic keys and the
+// measure of heap bytes per item.
+#pragma once
+
+#include <benchmark/benchmark.h>
+#include <malloc.h>
+
+#include <cstdint>
+#include <cstdlib>
+
+#include "vorn_base.h"
+#include <vector>
+
+namespace vorn_bench {
+
+// Bytes the process heap holds now (allocator overhead included), so that
+// every contender is measured the same way: our slabs come from malloc too.
+inline int64_t heap_bytes() { return static_cast<int64_t>(mallinfo2().uordblks); }
+
+// Reports heap bytes per item for a structure built between `before` and now.
+inline void report_bytes(benchmark::State &state, int64_t before, int64_t items) {
+    state.counters["bytes_per_item"] =
+        static_cast<double>(heap_bytes() - before) / static_cast<double>(items);
+}
+
+// Bytes per item of our containers: what their MM_ blocks hold.  The slabs
+// of the base services give each block exactly its size rounded up to the
+// slot step (8 bytes; 4 on 32-bit) with no header, spans aside.
+inline void report_mm_bytes(benchmark::State &state, int64_t before, int64_t items) {
+    const int64_t grain = sizeof(void *) < 8 ? sizeof(void *) : 8;
+    const int64_t bytes = MM_bytes_in_use() - before;
+    state.counters["bytes_per_item"] =
+        static_cast<double>((bytes + grain - 1) / grain * grain) / static_cast<double>(items);
+}
+
+inline uint64_t mix(uint64_t x) {
+    x ^= x >> 33;
+    x *= 0xff51afd7ed558ccdull;
+    x ^= x >> 33;
+    x *= 0xc4ceb9fe1a85ec53ull;
+    x ^= x >> 33;
+    return x;
+}
+
+// n distinct random 32-bit keys (never 0).
+inline std::vector<uint32_t> random_keys(size_t n, uint64_t seed = 1) {
+    std::vector<uint32_t> keys(n);
+    for (size_t i = 0; i < n; ++i) keys[i] = static_cast<uint32_t>(mix(seed * 1000003 + i)) | 1u;
+    return keys;
+}
+
+}  // namespace vorn_bench

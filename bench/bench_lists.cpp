@@ -1,0 +1,296 @@
+// Lists of 1,000,000 words: append, walk, insert after a held position and
+// remove from the front.  GL (and EL when present) against GQueue, std::list
+// and BSD TAILQ.
+#include <bsd/sys/queue.h>
+#include <glib.h>
+
+#include <list>
+
+#include "bench_common.hpp"
+#include "vorn_container.h"
+
+namespace {
+
+constexpr int64_t kItems = 1000000;
+
+void *word(int64_t i) { return reinterpret_cast<void *>(static_cast<uintptr_t>(i + 1)); }
+
+// ---- GL ----
+void GL_Append(benchmark::State &state) {
+    for (auto _ : state) {
+        const int64_t before = MM_bytes_in_use();
+        GL_list *l = GL_create();
+        for (int64_t i = 0; i < kItems; ++i) GL_append_after_last(l, word(i));
+        state.PauseTiming();
+        vorn_bench::report_mm_bytes(state, before, kItems);
+        GL_release(&l);
+        state.ResumeTiming();
+    }
+    state.SetItemsProcessed(state.iterations() * kItems);
+}
+
+void GL_Walk(benchmark::State &state) {
+    GL_list *l = GL_create();
+    for (int64_t i = 0; i < kItems; ++i) GL_append_after_last(l, word(i));
+    for (auto _ : state) {
+        uintptr_t sum = 0;
+        GL_iter it = GL_all_items(l);
+        void *w;
+        while (GL_next_item(&it, &w)) sum += reinterpret_cast<uintptr_t>(w);
+        benchmark::DoNotOptimize(sum);
+    }
+    GL_release(&l);
+    state.SetItemsProcessed(state.iterations() * kItems);
+}
+
+void GL_InsertAfterHeld(benchmark::State &state) {
+    for (auto _ : state) {
+        GL_list *l = GL_create();
+        GL_node *held = GL_append_after_last(l, word(0));
+        for (int64_t i = 0; i < kItems; ++i) GL_insert_after(l, held, word(i));
+        state.PauseTiming();
+        GL_release(&l);
+        state.ResumeTiming();
+    }
+    state.SetItemsProcessed(state.iterations() * kItems);
+}
+
+void GL_RemoveFront(benchmark::State &state) {
+    for (auto _ : state) {
+        state.PauseTiming();
+        GL_list *l = GL_create();
+        for (int64_t i = 0; i < kItems; ++i) GL_append_after_last(l, word(i));
+        state.ResumeTiming();
+        while (l->first) GL_remove_item(l, l->first);
+        state.PauseTiming();
+        GL_release(&l);
+        state.ResumeTiming();
+    }
+    state.SetItemsProcessed(state.iterations() * kItems);
+}
+
+// ---- GQueue ----
+// The links are public: a host may also walk them directly, as GQueue's
+// users do.
+void GL_WalkLinks(benchmark::State &state) {
+    GL_list *l = GL_create();
+    for (int64_t i = 0; i < kItems; ++i) GL_append_after_last(l, word(i));
+    for (auto _ : state) {
+        uintptr_t sum = 0;
+        for (GL_node *n = l->first; n; n = n->next) sum += reinterpret_cast<uintptr_t>(n->item);
+        benchmark::DoNotOptimize(sum);
+    }
+    GL_release(&l);
+    state.SetItemsProcessed(state.iterations() * kItems);
+}
+
+void GQueue_Append(benchmark::State &state) {
+    for (auto _ : state) {
+        const int64_t before = vorn_bench::heap_bytes();
+        GQueue *q = g_queue_new();
+        for (int64_t i = 0; i < kItems; ++i) g_queue_push_tail(q, word(i));
+        state.PauseTiming();
+        vorn_bench::report_bytes(state, before, kItems);
+        g_queue_free(q);
+        state.ResumeTiming();
+    }
+    state.SetItemsProcessed(state.iterations() * kItems);
+}
+
+void GQueue_Walk(benchmark::State &state) {
+    GQueue *q = g_queue_new();
+    for (int64_t i = 0; i < kItems; ++i) g_queue_push_tail(q, word(i));
+    for (auto _ : state) {
+        uintptr_t sum = 0;
+        for (GList *n = q->head; n; n = n->next) sum += reinterpret_cast<uintptr_t>(n->data);
+        benchmark::DoNotOptimize(sum);
+    }
+    g_queue_free(q);
+    state.SetItemsProcessed(state.iterations() * kItems);
+}
+
+void GQueue_InsertAfterHeld(benchmark::State &state) {
+    for (auto _ : state) {
+        GQueue *q = g_queue_new();
+        g_queue_push_tail(q, word(0));
+        GList *held = q->head;
+        for (int64_t i = 0; i < kItems; ++i) g_queue_insert_after(q, held, word(i));
+        state.PauseTiming();
+        g_queue_free(q);
+        state.ResumeTiming();
+    }
+    state.SetItemsProcessed(state.iterations() * kItems);
+}
+
+void GQueue_RemoveFront(benchmark::State &state) {
+    for (auto _ : state) {
+        state.PauseTiming();
+        GQueue *q = g_queue_new();
+        for (int64_t i = 0; i < kItems; ++i) g_queue_push_tail(q, word(i));
+        state.ResumeTiming();
+        while (q->head) g_queue_pop_head(q);
+        state.PauseTiming();
+        g_queue_free(q);
+        state.ResumeTiming();
+    }
+    state.SetItemsProcessed(state.iterations() * kItems);
+}
+
+// ---- std::list ----
+void StdList_Append(benchmark::State &state) {
+    for (auto _ : state) {
+        const int64_t before = vorn_bench::heap_bytes();
+        auto *l = new std::list<void *>();
+        for (int64_t i = 0; i < kItems; ++i) l->push_back(word(i));
+        state.PauseTiming();
+        vorn_bench::report_bytes(state, before, kItems);
+        delete l;
+        state.ResumeTiming();
+    }
+    state.SetItemsProcessed(state.iterations() * kItems);
+}
+
+void StdList_Walk(benchmark::State &state) {
+    std::list<void *> l;
+    for (int64_t i = 0; i < kItems; ++i) l.push_back(word(i));
+    for (auto _ : state) {
+        uintptr_t sum = 0;
+        for (void *w : l) sum += reinterpret_cast<uintptr_t>(w);
+        benchmark::DoNotOptimize(sum);
+    }
+    state.SetItemsProcessed(state.iterations() * kItems);
+}
+
+void StdList_InsertAfterHeld(benchmark::State &state) {
+    for (auto _ : state) {
+        auto *l = new std::list<void *>();
+        l->push_back(word(0));
+        auto held = l->begin();
+        for (int64_t i = 0; i < kItems; ++i) l->insert(std::next(held), word(i));
+        state.PauseTiming();
+        delete l;
+        state.ResumeTiming();
+    }
+    state.SetItemsProcessed(state.iterations() * kItems);
+}
+
+void StdList_RemoveFront(benchmark::State &state) {
+    for (auto _ : state) {
+        state.PauseTiming();
+        auto *l = new std::list<void *>();
+        for (int64_t i = 0; i < kItems; ++i) l->push_back(word(i));
+        state.ResumeTiming();
+        while (!l->empty()) l->pop_front();
+        state.PauseTiming();
+        delete l;
+        state.ResumeTiming();
+    }
+    state.SetItemsProcessed(state.iterations() * kItems);
+}
+
+// ---- BSD TAILQ ----
+struct TqNode {
+    TAILQ_ENTRY(TqNode) link;
+    void *item;
+};
+TAILQ_HEAD(TqHead, TqNode);
+
+void tq_free(TqHead *h) {
+    while (TqNode *n = TAILQ_FIRST(h)) {
+        TAILQ_REMOVE(h, n, link);
+        free(n);
+    }
+}
+
+TqNode *tq_node(int64_t i) {
+    auto *n = static_cast<TqNode *>(malloc(sizeof(TqNode)));
+    n->item = word(i);
+    return n;
+}
+
+void Tailq_Append(benchmark::State &state) {
+    for (auto _ : state) {
+        const int64_t before = vorn_bench::heap_bytes();
+        TqHead h;
+        TAILQ_INIT(&h);
+        for (int64_t i = 0; i < kItems; ++i) {
+            TqNode *n = tq_node(i);  // the macros evaluate their arguments twice
+            TAILQ_INSERT_TAIL(&h, n, link);
+        }
+        state.PauseTiming();
+        vorn_bench::report_bytes(state, before, kItems);
+        tq_free(&h);
+        state.ResumeTiming();
+    }
+    state.SetItemsProcessed(state.iterations() * kItems);
+}
+
+void Tailq_Walk(benchmark::State &state) {
+    TqHead h;
+    TAILQ_INIT(&h);
+    for (int64_t i = 0; i < kItems; ++i) {
+            TqNode *n = tq_node(i);  // the macros evaluate their arguments twice
+            TAILQ_INSERT_TAIL(&h, n, link);
+        }
+    for (auto _ : state) {
+        uintptr_t sum = 0;
+        TqNode *n;
+        TAILQ_FOREACH(n, &h, link) sum += reinterpret_cast<uintptr_t>(n->item);
+        benchmark::DoNotOptimize(sum);
+    }
+    tq_free(&h);
+    state.SetItemsProcessed(state.iterations() * kItems);
+}
+
+void Tailq_InsertAfterHeld(benchmark::State &state) {
+    for (auto _ : state) {
+        TqHead h;
+        TAILQ_INIT(&h);
+        TqNode *held = tq_node(0);
+        TAILQ_INSERT_TAIL(&h, held, link);
+        for (int64_t i = 0; i < kItems; ++i) {
+            TqNode *n = tq_node(i);
+            TAILQ_INSERT_AFTER(&h, held, n, link);
+        }
+        state.PauseTiming();
+        tq_free(&h);
+        state.ResumeTiming();
+    }
+    state.SetItemsProcessed(state.iterations() * kItems);
+}
+
+void Tailq_RemoveFront(benchmark::State &state) {
+    for (auto _ : state) {
+        state.PauseTiming();
+        TqHead h;
+        TAILQ_INIT(&h);
+        for (int64_t i = 0; i < kItems; ++i) {
+            TqNode *n = tq_node(i);  // the macros evaluate their arguments twice
+            TAILQ_INSERT_TAIL(&h, n, link);
+        }
+        state.ResumeTiming();
+        tq_free(&h);
+    }
+    state.SetItemsProcessed(state.iterations() * kItems);
+}
+
+}  // namespace
+
+#define VORN_LIST_BENCH(name) BENCHMARK(name)->Unit(benchmark::kMillisecond)
+VORN_LIST_BENCH(GL_Append);
+VORN_LIST_BENCH(GQueue_Append);
+VORN_LIST_BENCH(StdList_Append);
+VORN_LIST_BENCH(Tailq_Append);
+VORN_LIST_BENCH(GL_Walk);
+VORN_LIST_BENCH(GL_WalkLinks);
+VORN_LIST_BENCH(GQueue_Walk);
+VORN_LIST_BENCH(StdList_Walk);
+VORN_LIST_BENCH(Tailq_Walk);
+VORN_LIST_BENCH(GL_InsertAfterHeld);
+VORN_LIST_BENCH(GQueue_InsertAfterHeld);
+VORN_LIST_BENCH(StdList_InsertAfterHeld);
+VORN_LIST_BENCH(Tailq_InsertAfterHeld);
+VORN_LIST_BENCH(GL_RemoveFront);
+VORN_LIST_BENCH(GQueue_RemoveFront);
+VORN_LIST_BENCH(StdList_RemoveFront);
+VORN_LIST_BENCH(Tailq_RemoveFront);
