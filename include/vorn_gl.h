@@ -143,6 +143,24 @@ VORN_API int32_t GL_next_item(GL_iter *iter, void **item_out);
 /* As GL_next_item, delivering the position. */
 VORN_API int32_t GL_next_position(GL_iter *iter, GL_node **pos_out);
 
+/* The step is small and runs once per item, so hosts get it inline: the
+ * walk's record can then stay in registers.  It behaves exactly as the
+ * exported GL_next_item (whose address stays available); define
+ * VORN_NO_INLINE_WALKS to call the library instead. */
+#if !defined(VORN_NO_INLINE_WALKS) && !defined(VORN_CONTAINER_BUILD)
+static inline int32_t GL_next_item_inline(GL_iter *iter, void **item_out) {
+    for (;;) {
+        GL_node *n = iter->next;
+        if (!n) return 0;
+        iter->current = n;
+        iter->next = n == iter->last ? (GL_node *)0 : iter->forward ? n->next : n->prev;
+        *item_out = n->item;
+        if (!iter->test || iter->test(n->item)) return 1;
+    }
+}
+#define GL_next_item(iter, item_out) GL_next_item_inline((iter), (item_out))
+#endif
+
 #ifdef __cplusplus
 }
 #endif
