@@ -1,0 +1,14 @@
+#!/usr/bin/env bash
+# Builds the libFuzzer targets with AddressSanitizer and
+# UndefinedBehaviorSanitizer (clang) and runs each for SECONDS seconds
+# (default 6: the smoke run of the test command).  For a long run:
+#   tools/fuzz.sh 3600
+set -euo pipefail
+cd "$(dirname "$0")/.."
+seconds=${1:-6}
+tools/deps.sh clang libclang-rt-dev
+CC=clang CXX=clang++ cmake -S . -B build/fuzz -DCMAKE_BUILD_TYPE=RelWithDebInfo \
+  -DVORN_BUILD_FUZZ=ON -DVORN_SANITIZE=address,undefined -DVORN_GTEST_FROM_SOURCE=ON \
+  -DVORN_BUILD_EXAMPLES=OFF -DVORN_FUZZ_SECONDS="$seconds" >/dev/null
+cmake --build build/fuzz -j"$(nproc)"
+ctest --test-dir build/fuzz -L fuzz --output-on-failure -j"$(nproc)"
