@@ -23,6 +23,9 @@ foreach(_row IN LISTS _rows)
   endif()
 endforeach()
 list(REMOVE_ITEM _have _init _fini _edata _end __bss_start)
+# AddressSanitizer adds an ODR indicator "__odr_asan.NAME" beside every
+# exported data word; it is the instrumentation's, not an export of ours.
+list(FILTER _have EXCLUDE REGEX "^__odr_asan[.]")
 
 set(_extra "")
 foreach(_name IN LISTS _have)
