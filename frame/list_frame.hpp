@@ -34,6 +34,9 @@ struct
     SL_link *next;
 };
 
+// A callback that does nothing, the default of the optional hooks below.
+inline constexpr auto no_visit = [](auto *) {};
+
 template <class H>
 concept HasClosed = requires(H h) { h.closed; };
 
@@ -187,14 +190,16 @@ inline void reverse(H *h) {
         if (ring) set_closed<N>(h);
 }
 
-// Frees (or hands over) every item from first to the end, after opening a
-// ring; `dispose` is called with each item after its next link was read.
-// The head is left empty and open.
-template <class N, class H, class Dispose>
-inline void drain(H *h, Dispose &&dispose) {
+// Empties the list after opening a ring: for every item from first to the
+// end, `before_next` is called, then the item's next link is read, then
+// `dispose` is called.  So `before_next` may write to the item (GL's release
+// function) and `dispose` may free it.  The head is left empty and open.
+template <class N, class H, class Dispose, class BeforeNext = decltype(no_visit)>
+inline void drain(H *h, const Dispose &dispose, const BeforeNext &before_next = no_visit) {
     if constexpr (HasClosed<H>)
         if (is_ring(h)) reset_closed<N>(h);
     for (N *n = first_of<N>(h); n;) {
+        before_next(n);
         N *after = n->next;
         dispose(n);
         n = after;
@@ -299,8 +304,6 @@ inline I open_walk(decltype(I::next) next, decltype(I::last) last, int32_t forwa
 // `test_arg` maps a node to what the family's test function receives;
 // `visit`, called with every node reached before its test runs, lets the
 // families whose out argument is written before the test do so.
-inline constexpr auto no_visit = [](auto *) {};
-
 template <class N, class I, class Arg, class Visit = decltype(no_visit)>
 inline N *step(I *it, const Arg &test_arg, const Visit &visit = no_visit) {
     for (;;) {

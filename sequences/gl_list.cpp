@@ -59,10 +59,8 @@ GL_list *GL_total_copy(GL_list *list, GL_copy_fn copy_fn) {
 void GL_make_empty(GL_list *list) { fr::drain<GL_node>(list, free_node); }
 
 void GL_total_make_empty(GL_list *list, GL_release_fn release) {
-    fr::drain<GL_node>(list, [release](GL_node *n) {
-        release(&n->item);
-        free_node(n);
-    });
+    // The next link is read after the release function has returned.
+    fr::drain<GL_node>(list, free_node, [release](GL_node *n) { release(&n->item); });
 }
 
 void GL_release(GL_list **handle) {
