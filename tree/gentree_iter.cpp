@@ -58,43 +58,29 @@ int32_t step(GT_iter *it, Line line, Deliver deliver) {
 // Calls f on every iterator of gt_tree, by the list's own walk.
 template <class F>
 inline void for_each_iter(F f) {
-    GL_list *list = gt_tree->iterators;
-    if (!list->first) return;
-    GL_iter walk = GL_all_items(list);
+    GL_iter walk = GL_all_items(gt_tree->iterators);
     void *word;
     while (GL_next_item(&walk, &word)) f(static_cast<GT_iter *>(word));
-}
-
-void before_remove(GT_node *n) {
-    for_each_iter([n](GT_iter *it) {
-        if (it->current == n) it->current = nullptr;
-        if (it->next == n) it->next = n->next;
-    });
 }
 
 }  // namespace
 
 namespace vorn::gt {
 
-void iters_after_insert(GT_node *fresh) {
+// Only a node placed directly behind `current` can come between an iterator
+// and the `next` it holds.
+void iters_after_insert_walk(GT_node *fresh) {
     for_each_iter([fresh](GT_iter *it) {
         if (it->current && it->current->next == fresh) it->next = fresh;
     });
 }
 
-void iters_before_remove_no_right(GT_node *n) {
-    if (n->right) fail(kRemoveHasRight);
-    before_remove(n);
-}
-
-void iters_before_remove_no_left(GT_node *n) {
-    if (n->left) fail(kRemoveHasLeft);
-    before_remove(n);
-}
-
-void iters_before_remove_two(GT_node *n, GT_node *p) {
-    if (!n->left || !n->right || p->right) fail(kRemoveTwoChildren);
-    before_remove(n);
+// One rule for every shape of removal, applied to the leaving node alone.
+void iters_before_remove_walk(GT_node *n) {
+    for_each_iter([n](GT_iter *it) {
+        if (it->current == n) it->current = nullptr;
+        if (it->next == n) it->next = n->next;
+    });
 }
 
 }  // namespace vorn::gt

@@ -61,15 +61,37 @@ inline void free_node(GT_node *n) {
     vorn::free_record(n);
 }
 
-// Iterator corrections (gentree_iter.cpp); they reach the iterators through
-// gt_tree and cost nothing while the tree has none.
-void iters_after_insert(GT_node *fresh);
-// The three ways a node leaves: its slot takes its left child (n has no
-// right child), its right child (n has no left child), or its predecessor
-// `p` (two children).  Each checks that shape first and raises if it fails.
-void iters_before_remove_no_right(GT_node *n);
-void iters_before_remove_no_left(GT_node *n);
-void iters_before_remove_two(GT_node *n, GT_node *p);
+// Iterator corrections.  The walks over the tree's iterators live in
+// gentree_iter.cpp; the checks here keep insertion and removal free of any
+// call while the tree has no iterator.
+void iters_after_insert_walk(GT_node *fresh);
+void iters_before_remove_walk(GT_node *n);
+
+inline bool has_iters() { return gt_tree->iterators->first != nullptr; }
+
+// A new node is linked into tree and chain (before any rotation).
+inline void iters_after_insert(GT_node *fresh) {
+    if (has_iters()) iters_after_insert_walk(fresh);
+}
+
+// The three ways a node leaves, while it is still in the chain: its slot
+// takes its left child (n has no right child), its right child (n has no left
+// child), or its predecessor `p` (two children, p without a right child).
+// Each checks that shape first and raises if it fails.
+inline void iters_before_remove_no_right(GT_node *n) {
+    if (n->right) fail(kRemoveHasRight);
+    if (has_iters()) iters_before_remove_walk(n);
+}
+
+inline void iters_before_remove_no_left(GT_node *n) {
+    if (n->left) fail(kRemoveHasLeft);
+    if (has_iters()) iters_before_remove_walk(n);
+}
+
+inline void iters_before_remove_two(GT_node *n, GT_node *p) {
+    if (!n->left || !n->right || p->right) fail(kRemoveTwoChildren);
+    if (has_iters()) iters_before_remove_walk(n);
+}
 
 }  // namespace vorn::gt
 
