@@ -199,8 +199,9 @@ VORN_API int32_t GT_count_items(GT_tree *tree);
 /* Through Tprintf, one line per node in sorted order, indented three blanks
  * per depth (the root at the margin): `print` writes the item, then
  * " %d %d ERROR IN BALANCE !!!!!!!!!!" (stored, then measured balance) if the
- * stored balance is wrong, then "\n".  `print` must not change the tree.  An
- * empty or null tree prints nothing. */
+ * stored balance is wrong, then "\n".  `print` must not change the tree nor
+ * call GT_print_tree.  Heights are measured anew at every node.  An empty or
+ * null tree prints nothing and calls nothing. */
 VORN_API void GT_print_tree(GT_tree *tree, GT_print_fn print);
 /* Prints the leak counters through Tprintf:
  * "allocated trees      = %d\n", "allocated tree_items = %d\n",

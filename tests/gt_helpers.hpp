@@ -1,5 +1,5 @@
-// What the GT tests share: keyed items, Tprintf capture, the leak counters
-// read back from GT_check, and the invariant checker.
+// What the GT tests share: keyed items, Tprintf capture, the leak report and
+// the invariant checker.
 #pragma once
 
 #include <cmath>
@@ -12,66 +12,51 @@
 
 namespace gt_test {
 
-// An item is a record with a key, so that distinct words can compare equal
-// and a key can change after insertion.
+// Items are records with a key: distinct words can compare equal, and a key
+// can change after insertion.
 struct Item {
     int32_t key;
 };
-
 inline int32_t key_of(void *item) { return static_cast<Item *>(item)->key; }
 inline int32_t by_key(void *a, void *b) { return key_of(a) - key_of(b); }
 inline int32_t even_key(void *item) { return key_of(item) % 2 == 0; }
 
-// Tprintf output while a Capture lives.
-inline std::string &captured() {
-    static std::string text;
-    return text;
-}
-
+inline std::string captured;
 inline int capture_printf(const char *format, ...) {
     char buf[256];
     va_list args;
     va_start(args, format);
     const int n = std::vsnprintf(buf, sizeof buf, format, args);
     va_end(args);
-    captured() += buf;
+    captured += buf;
     return n;
 }
 
-struct Capture {
-    int (*before)(const char *, ...);
-    Capture() : before(Tprintf) {
-        captured().clear();
-        Tprintf = capture_printf;
-    }
-    ~Capture() { Tprintf = before; }
-    std::string text() const { return captured(); }
-};
-
-struct Counters {
-    int trees = -1, items = -1, iters = -1;
-    bool operator==(const Counters &) const = default;
-};
-
-inline Counters counters() {
-    Capture cap;
-    GT_check();
-    Counters c;
-    std::sscanf(cap.text().c_str(),
-                "allocated trees      = %d\nallocated tree_items = %d\nallocated tree_iters = %d\n",
-                &c.trees, &c.items, &c.iters);
-    return c;
+// What f prints through Tprintf.
+template <class F>
+std::string printed(F f) {
+    int (*before)(const char *, ...) = Tprintf;
+    captured.clear();
+    Tprintf = capture_printf;
+    f();
+    Tprintf = before;
+    return captured;
 }
 
-inline std::ostream &operator<<(std::ostream &os, const Counters &c) {
-    return os << "{trees " << c.trees << ", items " << c.items << ", iters " << c.iters << "}";
+// The text of GT_check for these counters.
+inline std::string leaks(int trees, int items, int iters) {
+    char buf[128];
+    std::snprintf(buf, sizeof buf,
+                  "allocated trees      = %d\nallocated tree_items = %d\nallocated tree_iters = %d\n",
+                  trees, items, iters);
+    return buf;
 }
 
-// MM_ blocks and the three leak counters back where they were.
+// MM_ blocks and the three leak counters back to where they were.
 class GtTest : public vorn_test::LeakChecked {
 protected:
     void TearDown() override {
-        EXPECT_EQ(counters(), (Counters{0, 0, 0}));
+        EXPECT_EQ(printed(GT_check), leaks(0, 0, 0));
         LeakChecked::TearDown();
     }
 };
@@ -90,8 +75,8 @@ inline int32_t visit(GT_node *n, std::vector<GT_node *> &in_order) {
 
 // The tree holds exactly `nodes` in this order with `items` in them: tree
 // links and chain agree both ways, the order holds by compare (strictly
-// without duplicates), balances are true and the height is within the AVL
-// bound.  FIFO among equal items follows from the expected order.
+// without duplicates), balances are true and the height keeps the AVL bound.
+// FIFO among equal items is in the expected order.
 inline void expect_sound(GT_tree *t, const std::vector<GT_node *> &nodes,
                          const std::vector<Item *> &items) {
     std::vector<GT_node *> in_order;

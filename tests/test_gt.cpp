@@ -85,21 +85,12 @@ struct Model {
         GT_node *pos = reinterpret_cast<GT_node *>(1);
         const bool held = std::count(items.begin(), items.end(), item) > 0;
         ASSERT_EQ(GT_find_item(t, item, &pos), held ? 1 : 0);
-        if (held) {
-            ASSERT_EQ(items[index(pos)], item);
-        } else {
-            ASSERT_EQ(pos, nullptr);
-        }
+        ASSERT_TRUE(held ? index(pos) < nodes.size() && items[index(pos)] == item : pos == nullptr);
         // Key: some node with an equal key.
         Item probe{static_cast<int32_t>(rng.below(keys))};
         const bool any = std::any_of(items.begin(), items.end(), [&](Item *i) { return i->key == probe.key; });
         ASSERT_EQ(GT_search_item(t, &probe, &pos), any ? 1 : 0);
-        if (any) {
-            ASSERT_LT(index(pos), nodes.size());
-            ASSERT_EQ(key_of(pos->item), probe.key);
-        } else {
-            ASSERT_EQ(pos, nullptr);
-        }
+        ASSERT_TRUE(any ? index(pos) < nodes.size() && items[index(pos)]->key == probe.key : pos == nullptr);
     }
     void remove_at(GT_node *n) {
         removing(n);
@@ -138,30 +129,25 @@ struct Model {
                 GT_remove_first_item(t);
         }
     }
+    // One of the nine openings: place 0 the tree, 1 a source's current, 2 its next.
     void open() {
-        static const GT_test_fn tests[] = {nullptr, even_key, even_key};
         const int32_t kind = static_cast<int32_t>(rng.below(3));
-        GT_test_fn test = tests[kind];
-        Walk w{nullptr, nullptr, nullptr, kind};
-        if (walks.empty() || rng.chance(30)) {
-            GT_iter *(*open_tree[])(GT_tree *, GT_test_fn) = {
-                [](GT_tree *x, GT_test_fn) { return GT_all_items(x); }, GT_all_items_conditional,
-                GT_all_items_while_conditioned};
-            w.h = open_tree[kind](t, test);
-            w.next = t->first;
-        } else {
-            const Walk &src = walks[rng.below(static_cast<uint32_t>(walks.size()))];
-            GT_iter *(*from_current[])(GT_iter *, GT_test_fn) = {
-                [](GT_iter *s, GT_test_fn) { return GT_from_current(s); }, GT_from_current_conditional,
-                GT_from_current_while_conditioned};
-            GT_iter *(*from_next[])(GT_iter *, GT_test_fn) = {
-                [](GT_iter *s, GT_test_fn) { return GT_from_next(s); }, GT_from_next_conditional,
-                GT_from_next_while_conditioned};
-            const bool cur = rng.chance(50);
-            w.h = (cur ? from_current : from_next)[kind](src.h, test);
-            w.next = cur ? src.current : src.next;
+        const int place = walks.empty() ? 0 : static_cast<int>(rng.below(3));
+        const Walk *src = place ? &walks[rng.below(static_cast<uint32_t>(walks.size()))] : nullptr;
+        GT_iter *s = src ? src->h : nullptr;
+        GT_iter *h = nullptr;
+        switch (place * 3 + kind) {
+            case 0: h = GT_all_items(t); break;
+            case 1: h = GT_all_items_conditional(t, even_key); break;
+            case 2: h = GT_all_items_while_conditioned(t, even_key); break;
+            case 3: h = GT_from_current(s); break;
+            case 4: h = GT_from_current_conditional(s, even_key); break;
+            case 5: h = GT_from_current_while_conditioned(s, even_key); break;
+            case 6: h = GT_from_next(s); break;
+            case 7: h = GT_from_next_conditional(s, even_key); break;
+            default: h = GT_from_next_while_conditioned(s, even_key);
         }
-        walks.push_back(w);
+        walks.push_back({h, place == 0 ? t->first : place == 1 ? src->current : src->next, nullptr, kind});
     }
     void step() {
         const size_t i = rng.below(static_cast<uint32_t>(walks.size()));
