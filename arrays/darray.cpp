@@ -67,8 +67,7 @@ inline void copy_bytes(void *to, const void *from, std::size_t n) {
     if (wanted <= a->nalloc) return;
     const std::size_t had = a->data ? bytes_of(a->nalloc, a->item_size) : 0;
     const std::size_t want = bytes_of(wanted, a->item_size);
-    a->data = a->data ? MM_realloc_item(a->data, bytes_of(a->nalloc, a->item_size), want)
-                      : MM_alloc_item(want);
+    a->data = a->data ? MM_realloc_item(a->data, had, want) : MM_alloc_item(want);
     if (!a->data) vorn::raise(kFile, kLineExtend, vorn::kNoMemory);
     std::memset(block(a) + had, 0, want - had);
     a->nalloc = wanted;
@@ -84,6 +83,39 @@ DA_array *new_array(int32_t item_size, int32_t increment, int32_t line) {
     if (!a) vorn::raise(kFile, line, vorn::kNoMemory);
     *a = DA_array{item_size, increment, 0, 0, nullptr};
     return a;
+}
+
+// Any count, with growth: nitems + count > nalloc asks for nitems + count.
+[[gnu::noinline]] void append_general(DA_array *a, const void *items, int32_t count) {
+    if (count <= 0) return;
+    const int32_t n = a->nitems;
+    ensure(a, int64_t{n} + count);
+    copy_bytes(slot(a, n), items, bytes_of(count, a->item_size));
+    a->nitems = n + count;
+}
+
+// Stores one item at `index`, lengthening the array; a null item zeroes the
+// slot.  DA_put_item and DA_get_item test the capacity themselves and call
+// the *_grown forms only to grow, so that their fast paths need no frame.
+void store_at(DA_array *a, int32_t index, const void *item) {
+    if (index >= a->nitems) a->nitems = index + 1;
+    char *to = slot(a, index);
+    const std::size_t size = static_cast<std::size_t>(a->item_size);
+    if (item)
+        copy_bytes(to, item, size);
+    else
+        std::memset(to, 0, size);
+}
+
+[[gnu::noinline]] void put_grown(DA_array *a, int32_t index, const void *item) {
+    extend(a, index + 1);
+    store_at(a, index, item);
+}
+
+[[gnu::noinline]] void *get_grown(DA_array *a, int32_t index) {
+    extend(a, index + 1);
+    if (index >= a->nitems) a->nitems = index + 1;
+    return slot(a, index);
 }
 
 void free_block(DA_array *a) {
@@ -154,12 +186,16 @@ void *DA_data(DA_array *array) { return array->data; }
 
 // ---- items ------------------------------------------------------------------
 
+// The per-item path: one capacity test and the copy, in a function that
+// needs no frame; everything else is in append_general.
 void DA_append(DA_array *array, const void *items, int32_t count) {
-    if (count <= 0) return;
     const int32_t n = array->nitems;
-    ensure(array, int64_t{n} + count);
-    copy_bytes(slot(array, n), items, bytes_of(count, array->item_size));
-    array->nitems = n + count;
+    if (count == 1 && n < array->nalloc) [[likely]] {
+        array->nitems = n + 1;
+        copy_bytes(slot(array, n), items, static_cast<std::size_t>(array->item_size));
+        return;
+    }
+    append_general(array, items, count);
 }
 
 void DA_insert(DA_array *array, int32_t index, const void *items, int32_t count) {
@@ -190,25 +226,22 @@ void DA_delete(DA_array *array, int32_t index, int32_t count) {
 }
 
 void DA_put_item(DA_array *array, int32_t index, const void *item) {
-    ensure(array, int64_t{index} + 1);
-    char *to = slot(array, index);
-    const std::size_t size = static_cast<std::size_t>(array->item_size);
-    if (item)
-        copy_bytes(to, item, size);
-    else
-        std::memset(to, 0, size);
-    if (index >= array->nitems) array->nitems = index + 1;
+    if (index >= array->nalloc) [[unlikely]]
+        return put_grown(array, index, item);
+    store_at(array, index, item);
 }
 
 void *DA_get_item(DA_array *array, int32_t index) {
-    ensure(array, int64_t{index} + 1);
+    if (index >= array->nalloc) [[unlikely]]
+        return get_grown(array, index);
     if (index >= array->nitems) array->nitems = index + 1;
     return slot(array, index);
 }
 
 char *DA_string(DA_array *array) {
     const int32_t n = array->nitems;
-    ensure(array, int64_t{n} + 1);
+    if (n >= array->nalloc) [[unlikely]]
+        extend(array, n + 1);
     char *text = block(array);
     text[n] = '\0';  // a byte offset: the terminator serves item_size 1
     return text;
