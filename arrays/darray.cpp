@@ -125,16 +125,14 @@ void free_block(DA_array *a) {
     a->nitems = 0;
 }
 
-// Swaps items of a fixed size through a register-sized local; the generic
-// size goes through the caller's temporary.
-template <std::size_t N>
-void reverse_fixed(char *p, int32_t n) {
-    for (int32_t i = 0, j = n - 1; i < j; ++i, --j) {
-        unsigned char t[N];
-        std::memcpy(t, p + i * N, N);
-        std::memcpy(p + i * N, p + j * N, N);
-        std::memcpy(p + j * N, t, N);
-    }
+// Gives an empty array (no items, no block) the items of `from`: capacity
+// under its own increment, rounded up from the count.
+void take_items(DA_array *to, const DA_array *from) {
+    const int32_t n = from->nitems;
+    if (n <= 0) return;
+    extend(to, n);
+    std::memcpy(to->data, from->data, bytes_of(n, from->item_size));
+    to->nitems = n;
 }
 
 }  // namespace
@@ -251,12 +249,7 @@ char *DA_string(DA_array *array) {
 
 DA_array *DA_copy(DA_array *array) {
     DA_array *copy = new_array(array->item_size, array->increment, kLineCopy);
-    const int32_t n = array->nitems;
-    if (n > 0) {
-        extend(copy, n);
-        std::memcpy(copy->data, array->data, bytes_of(n, array->item_size));
-        copy->nitems = n;
-    }
+    take_items(copy, array);
     return copy;
 }
 
@@ -264,13 +257,7 @@ void DA_copy_into(DA_array *destination, DA_array *source) {
     if (destination->item_size != source->item_size)
         vorn::raise(kFile, kLineCopyInto, vorn::kBrokenState);
     free_block(destination);
-    // Read after the destination is emptied: the same array twice ends empty.
-    const int32_t n = source->nitems;
-    if (n > 0) {
-        extend(destination, n);
-        std::memcpy(destination->data, source->data, bytes_of(n, source->item_size));
-        destination->nitems = n;
-    }
+    take_items(destination, source);  // so the same array twice ends empty
 }
 
 int32_t DA_equal(DA_array *a, DA_array *b) {
@@ -283,48 +270,39 @@ void DA_reverse(DA_array *array) {
     const int32_t n = array->nitems;
     const std::size_t size = static_cast<std::size_t>(array->item_size);
     void *temp = MM_alloc_item(size);  // one item's worth, on every call
-    char *p = block(array);
-    switch (size) {
-        case 1: reverse_fixed<1>(p, n); break;
-        case 2: reverse_fixed<2>(p, n); break;
-        case 4: reverse_fixed<4>(p, n); break;
-        case 8: reverse_fixed<8>(p, n); break;
-        default:
-            for (int32_t i = 0; i < n / 2; ++i) {
-                char *low = slot(array, i);
-                char *high = slot(array, n - 1 - i);
-                std::memcpy(temp, low, size);
-                std::memcpy(low, high, size);
-                std::memcpy(high, temp, size);
-            }
+    for (int32_t i = 0; i < n / 2; ++i) {
+        char *low = slot(array, i);
+        char *high = slot(array, n - 1 - i);
+        std::memcpy(temp, low, size);
+        std::memcpy(low, high, size);
+        std::memcpy(high, temp, size);
     }
     MM_dealloc_item(temp, size);
 }
 
+// The smaller part goes through the temporary, which so never exceeds half
+// the array; the larger part moves in place.
 void DA_roll(DA_array *array, int32_t shift) {
     const int32_t n = array->nitems;
     if (n <= 1) return;
     // r items go from the end to the front: the remainder of -shift by n.
     const auto r = static_cast<int32_t>(((-int64_t{shift}) % n + n) % n);
     if (r == 0) return;
-    const int32_t size = array->item_size;
+    const int32_t m = n - r, size = array->item_size;
     char *p = block(array);
-    if (r <= n / 2) {
-        const std::size_t temp_bytes = bytes_of(r, size);
-        void *temp = MM_alloc_item(temp_bytes);
-        std::memcpy(temp, slot(array, n - r), temp_bytes);
-        std::memmove(slot(array, r), p, bytes_of(n - r, size));
-        std::memcpy(p, temp, temp_bytes);
-        MM_dealloc_item(temp, temp_bytes);
-    } else {
-        const int32_t m = n - r;
-        const std::size_t temp_bytes = bytes_of(m, size);
-        void *temp = MM_alloc_item(temp_bytes);
-        std::memcpy(temp, p, temp_bytes);
+    const bool tail_saved = r <= n / 2;
+    const std::size_t saved = bytes_of(tail_saved ? r : m, size);
+    void *temp = MM_alloc_item(saved);
+    if (tail_saved) {  // the last r items wait while the first m move up
+        std::memcpy(temp, slot(array, m), saved);
+        std::memmove(slot(array, r), p, bytes_of(m, size));
+        std::memcpy(p, temp, saved);
+    } else {  // the first m items wait while the last r move down
+        std::memcpy(temp, p, saved);
         std::memmove(p, slot(array, m), bytes_of(r, size));
-        std::memcpy(slot(array, r), temp, temp_bytes);
-        MM_dealloc_item(temp, temp_bytes);
+        std::memcpy(slot(array, r), temp, saved);
     }
+    MM_dealloc_item(temp, saved);
 }
 
 // ---- walking ----------------------------------------------------------------
