@@ -1,0 +1,266 @@
+// DA against a byte-exact model of the whole block, the walk, and the
+// failure lines through injected allocation failures.
+#include <algorithm>
+#include <cstring>
+#include <vector>
+
+#include "support.hpp"
+
+namespace {
+
+using vorn_test::LeakChecked;
+using vorn_test::Rng;
+using Bytes = std::vector<unsigned char>;
+
+// The whole block as the growth rule predicts it: items, stale bytes, zeroes.
+struct Model {
+    int32_t size, inc, nalloc = 0, nitems = 0;
+    Bytes block;
+    Model(int32_t s, int32_t i) : size(s), inc(i) {}
+    void extend(int64_t n) {
+        const int64_t wanted = ((n - 1) / inc + 1) * inc;
+        if (wanted <= nalloc) return;
+        block.resize(static_cast<size_t>(wanted * size), 0);
+        nalloc = static_cast<int32_t>(wanted);
+    }
+    void grow(int64_t n) { if (n > nalloc) extend(n); }
+    unsigned char *at(int64_t i) { return block.data() + i * size; }
+};
+
+void expect_model(DA_array *a, const Model &m) {
+    ASSERT_EQ(DA_nitems(a), m.nitems);
+    ASSERT_EQ(DA_nalloc(a), m.nalloc);
+    ASSERT_EQ(DA_memsize(a), m.nalloc * m.size);
+    ASSERT_EQ(DA_check(a), static_cast<int32_t>(sizeof(DA_array)) + m.nalloc * m.size);
+    if (m.nalloc == 0) ASSERT_EQ(DA_data(a), nullptr);
+    else ASSERT_EQ(0, std::memcmp(DA_data(a), m.block.data(), m.block.size()));
+}
+
+Model copied(Model m, int32_t inc) {  // a fresh array holding m's items
+    Model c(m.size, inc);
+    if (m.nitems > 0) c.extend(m.nitems);
+    std::copy(m.at(0), m.at(m.nitems), c.block.begin());
+    c.nitems = m.nitems;
+    return c;
+}
+
+class DaModel : public LeakChecked {};
+
+TEST_F(DaModel, RandomOperationsFollowTheModel) {
+    const int32_t sizes[] = {1, 3, 4, 8, 16}, incs[] = {1, 2, 5, 16};
+    for (uint64_t seed = 1; seed <= 60; ++seed) {
+        Rng rng(seed);
+        Model m(sizes[seed % 5], incs[(seed / 5) % 4]);
+        DA_array *a = DA_create(m.size, m.inc);
+        for (int op = 0; op < 300; ++op) {
+            const auto count = static_cast<int32_t>(rng.below(4));
+            const auto i = static_cast<int32_t>(rng.below(m.nitems + 4));
+            Bytes src(static_cast<size_t>(4 * m.size));
+            for (auto &c : src) c = static_cast<unsigned char>(rng.below(256));
+            auto put = [&](int32_t at, int32_t n) {
+                std::copy_n(src.data(), n * m.size, m.at(at));
+            };
+            switch (rng.below(13)) {
+                case 0: case 1:
+                    DA_append(a, src.data(), count);
+                    m.grow(m.nitems + count);
+                    put(m.nitems, count);
+                    m.nitems += count;
+                    break;
+                case 2:
+                    DA_insert(a, i, src.data(), count);
+                    if (i < m.nitems) {
+                        m.grow(m.nitems + count);
+                        std::copy_backward(m.at(i), m.at(m.nitems), m.at(m.nitems + count));
+                    } else {
+                        m.grow(i + count + 1);  // one slot more than the items need
+                    }
+                    put(i, count);
+                    m.nitems = std::max(m.nitems, i) + count;
+                    break;
+                case 3:
+                    if (i < m.nitems) {
+                        const int32_t c = std::min(count, m.nitems - i);
+                        DA_delete(a, i, c);
+                        std::copy(m.at(i + c), m.at(m.nitems), m.at(i));
+                        m.nitems -= c;
+                    }
+                    break;
+                case 4: case 5: {  // past the end too: both lengthen
+                    const int32_t at = static_cast<int32_t>(rng.below(m.nalloc + 6));
+                    const bool zero = op % 2 && rng.chance(25);
+                    if (op % 2) DA_put_item(a, at, zero ? nullptr : src.data());
+                    else std::memcpy(DA_get_item(a, at), src.data(), m.size);
+                    m.grow(at + 1);
+                    if (zero) std::fill_n(src.begin(), m.size, 0);
+                    put(at, 1);
+                    m.nitems = std::max(m.nitems, at + 1);
+                    break;
+                }
+                case 6: DA_setsize(a, i); m.extend(i); m.nitems = i; break;
+                case 7: DA_truncate(a, i); m.nitems = std::min(m.nitems, i); break;
+                case 8: DA_extend(a, i * 3); m.extend(i * 3); break;
+                case 9:
+                    DA_reverse(a);
+                    for (int32_t k = 0; k < m.nitems / 2; ++k)
+                        std::swap_ranges(m.at(k), m.at(k + 1), m.at(m.nitems - 1 - k));
+                    break;
+                case 10: {
+                    const int32_t shift = i * 7 - 20, n = m.nitems;
+                    DA_roll(a, shift);
+                    const Bytes old(m.at(0), m.at(n));
+                    for (int32_t k = 0; n > 1 && k < n; ++k)  // item (k + shift) mod n comes to k
+                        std::copy_n(&old[((k + shift % n + n) % n) * m.size], m.size, m.at(k));
+                    break;
+                }
+                case 11: {
+                    DA_array *c = DA_copy(a), *d = DA_create(m.size, 7);
+                    expect_model(c, copied(m, m.inc));
+                    ASSERT_EQ(DA_equal(a, c), 1);
+                    if (m.nitems > 0) static_cast<unsigned char *>(c->data)[m.size - 1] ^= 1;
+                    ASSERT_EQ(DA_equal(a, c), m.nitems > 0 ? 0 : 1);
+                    DA_append(d, src.data(), 4);
+                    DA_copy_into(d, a);
+                    expect_model(d, copied(m, 7));
+                    DA_release(c);
+                    DA_release(d);
+                    break;
+                }
+                default:
+                    if (m.size == 1) {  // the terminator lies at byte offset nitems
+                        m.grow(m.nitems + 1);
+                        const char *text = DA_string(a);
+                        ASSERT_EQ(text, DA_data(a));
+                        m.block[m.nitems] = 0;
+                    } else if (rng.chance(30)) {
+                        DA_clear(a);
+                        m = Model(m.size, m.inc);
+                    } else {
+                        DA_reset(a);
+                        m.nitems = 0;
+                    }
+            }
+            ASSERT_NO_FATAL_FAILURE(expect_model(a, m)) << "seed " << seed << " op " << op;
+        }
+        DA_release(a);
+    }
+}
+
+DA_array *tens(int32_t n) {  // 10, 20, ... n items, increment 4
+    DA_array *a = DA_create(4, 4);
+    for (int32_t v = 10; v <= 10 * n; v += 10) DA_append(a, &v, 1);
+    return a;
+}
+
+int g_calls;
+int32_t refuse(void *) { return ++g_calls, 0; }
+int32_t odd_tens(void *item) { return (*static_cast<int32_t *>(item) / 10) % 2; }
+
+TEST_F(DaModel, WalksFollowIndicesAgainstThePresentCount) {
+    struct Case {
+        const char *name;
+        DA_iter (*start)(DA_array *);
+        void (*after_first)(DA_array *);  // applied once the first item came
+        std::vector<int32_t> want;
+    };
+    DA_iter (*const all)(DA_array *) = DA_all_items;
+    const Case cases[] = {
+        {"all", all, nullptr, {10, 20, 30, 40, 50}},
+        {"tested", [](DA_array *a) { return DA_tested_items(a, odd_tens); }, nullptr, {10, 30, 50}},
+        {"down from beyond the end", [](DA_array *a) { return DA_iter{a, 0, 7, 1, nullptr}; },
+         nullptr, {50, 40, 30, 20}},
+        {"from below 0", [](DA_array *a) { return DA_iter{a, 1, -3, 1, nullptr}; }, nullptr,
+         {10, 20}},
+        {"truncated", all, [](DA_array *a) { DA_truncate(a, 2); }, {10, 20}},
+        {"delivered deleted", all, [](DA_array *a) { DA_delete(a, 0, 1); }, {10, 30, 40, 50}},
+        {"appended", all, [](DA_array *a) { DA_append(a, &a->nitems, 1); }, {10, 20, 30, 40, 50}},
+        {"emptied", all, DA_reset, {10}},
+    };
+    for (const Case &c : cases) {
+        DA_array *a = tens(5);
+        DA_iter it = c.start(a);
+        std::vector<int32_t> got;
+        void *item;
+        while (DA_next(&it, &item)) {
+            got.push_back(*static_cast<int32_t *>(item));
+            if (got.size() == 1 && c.after_first) c.after_first(a);
+        }
+        EXPECT_EQ(got, c.want) << c.name;
+        item = &got;
+        EXPECT_EQ(DA_next(&it, &item), 0) << c.name;  // an ended walk stays ended
+        EXPECT_EQ(item, nullptr) << c.name;
+        DA_release(a);
+    }
+    DA_array *a = tens(4);
+    g_calls = 0;
+    DA_iter it = DA_tested_items(a, refuse);
+    void *item = a;
+    EXPECT_EQ(DA_next(&it, &item), 0);
+    EXPECT_EQ(item, nullptr);
+    EXPECT_EQ(g_calls, 4);  // once per item
+    DA_release(a);
+}
+
+TEST_F(DaModel, TemporariesAndCopyIntoItself) {
+    DA_array *a = tens(5), *empty = DA_create(4, 1);
+    MM_fail_after(0);
+    DA_roll(a, -10);  // nothing to move: allocates nothing, the failure stays armed
+    EXPECT_RAISES(DA_create(1, 1), "darray", 25, 4197);
+    MM_fail_after(0);
+    DA_reverse(empty);  // takes its temporary even with nothing to swap
+    EXPECT_FALSE(vorn_test::catch_raise([] { DA_release(DA_create(1, 1)); }));
+    DA_copy_into(a, a);  // emptied before the source is read
+    EXPECT_EQ(DA_nitems(a), 0);
+    EXPECT_EQ(DA_data(a), nullptr);
+    DA_release(empty);
+    DA_release(a);
+}
+
+// Every growing operation raises line 103, leaving data null and the counts
+// as they were; the block that could not grow is still the caller's to free.
+TEST_F(DaModel, FailuresRaiseWithTheDocumentedState) {
+    MM_fail_after(0);
+    EXPECT_RAISES(DA_create(4, 8), "darray", 25, 4197);
+    DA_array *src = tens(6);
+    MM_fail_after(0);
+    EXPECT_RAISES(DA_copy(src), "darray", 263, 4197);
+    using Grower = void (*)(DA_array *, DA_array *);
+    static int32_t v = 7;
+    const Grower growers[] = {
+        [](DA_array *a, DA_array *) { DA_append(a, &v, 1); },
+        [](DA_array *a, DA_array *) { DA_insert(a, 0, &v, 1); },
+        [](DA_array *a, DA_array *) { DA_insert(a, a->nitems, &v, 0); },
+        [](DA_array *a, DA_array *) { DA_put_item(a, a->nalloc, nullptr); },
+        [](DA_array *a, DA_array *) { DA_get_item(a, a->nalloc); },
+        [](DA_array *a, DA_array *) { DA_setsize(a, a->nalloc + 1); },
+        [](DA_array *a, DA_array *) { DA_string(a); },
+        [](DA_array *a, DA_array *s) { DA_copy_into(a, s); },  // frees its block first
+    };
+    for (const Grower grow : growers) {
+        for (int32_t full : {0, 4}) {
+            DA_array *a = DA_create(4, 4);
+            for (int32_t i = 0; i < full; ++i) DA_append(a, &v, 1);
+            void *old = DA_data(a);
+            MM_fail_after(0);
+            EXPECT_RAISES(grow(a, src), "darray", 103, 4197);
+            const int32_t kept = grow == growers[7] ? 0 : full;
+            EXPECT_EQ(DA_data(a), nullptr);
+            EXPECT_EQ(DA_nalloc(a), kept);
+            EXPECT_EQ(DA_nitems(a), kept);
+            if (kept) MM_dealloc_item(old, static_cast<size_t>(full) * 4);
+            DA_release(a);
+        }
+    }
+    DA_array *bytes = DA_create(1, 4), *other = DA_create(2, 4);
+    DA_append(bytes, "ab", 2);
+    EXPECT_RAISES(DA_copy_into(bytes, src), "darray", 281, 4297);
+    EXPECT_STREQ(DA_string(bytes), "ab");  // untouched
+    EXPECT_EQ(DA_nalloc(bytes), 4);
+    DA_reset(bytes);
+    EXPECT_EQ(DA_equal(other, bytes), 0);  // item sizes differ, both empty
+    DA_release(bytes);
+    DA_release(other);
+    DA_release(src);
+}
+
+}  // namespace
