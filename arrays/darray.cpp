@@ -1,0 +1,350 @@
+// DA: the dynamic array of fixed-size items in one MM_ block.
+//
+// The per-item path (DA_append, DA_put_item, DA_get_item, DA_string) is a
+// capacity test and a copy of item_size bytes; growth lives out of line, and
+// copies of the common small sizes compile to plain loads and stores.
+// Byte counts are worked out in size_t (item counts are 32-bit), so no
+// product of a count and an item size overflows on the way to the block.
+
+#include "vorn_da.h"
+
+#include <algorithm>
+#include <cstring>
+#include <type_traits>
+
+#include "base_binding.hpp"
+
+static_assert(std::is_standard_layout_v<DA_array> && std::is_trivially_copyable_v<DA_array>);
+static_assert(offsetof(DA_array, item_size) == 0 && offsetof(DA_array, increment) == 4);
+static_assert(offsetof(DA_array, nalloc) == 8 && offsetof(DA_array, nitems) == 12);
+static_assert(offsetof(DA_array, data) == 16);
+static_assert(std::is_standard_layout_v<DA_iter> && std::is_trivially_copyable_v<DA_iter>);
+static_assert(offsetof(DA_iter, array) == 0 && offsetof(DA_iter, forward) == sizeof(void *));
+static_assert(offsetof(DA_iter, index) == sizeof(void *) + 4);
+static_assert(offsetof(DA_iter, last) == sizeof(void *) + 8);
+
+namespace {
+
+constexpr const char *kFile = "darray";
+constexpr int32_t kLineCreate = 25;
+constexpr int32_t kLineExtend = 103;
+constexpr int32_t kLineCopy = 263;
+constexpr int32_t kLineCopyInto = 281;
+
+inline std::size_t bytes_of(int64_t items, int32_t item_size) {
+    return static_cast<std::size_t>(items) * static_cast<std::size_t>(item_size);
+}
+
+inline char *block(const DA_array *a) { return static_cast<char *>(a->data); }
+
+inline char *slot(const DA_array *a, int64_t index) {
+    return block(a) + bytes_of(index, a->item_size);
+}
+
+// Copies n bytes; the usual item sizes become fixed-size moves.
+inline void copy_bytes(void *to, const void *from, std::size_t n) {
+    switch (n) {
+        case 1: std::memcpy(to, from, 1); return;
+        case 2: std::memcpy(to, from, 2); return;
+        case 4: std::memcpy(to, from, 4); return;
+        case 8: std::memcpy(to, from, 8); return;
+        case 12: std::memcpy(to, from, 12); return;
+        case 16: std::memcpy(to, from, 16); return;
+        default: std::memcpy(to, from, n); return;
+    }
+}
+
+// The growth rule: capacity becomes the smallest whole number of steps that
+// holds `count` items (worked out as ((count - 1) / increment + 1) *
+// increment, division toward zero), if that exceeds the present capacity.
+// The added bytes are zeroed.  On failure `data` is left null and the
+// counts keep their values, then the failure is raised.
+[[gnu::noinline]] void extend(DA_array *a, int32_t count) {
+    const int64_t step = a->increment;
+    // 64-bit arithmetic: the result is the 32-bit rule for every count whose
+    // capacity fits, and no count can overflow on the way.
+    const auto wanted = static_cast<int32_t>(((int64_t{count} - 1) / step + 1) * step);
+    if (wanted <= a->nalloc) return;
+    const std::size_t had = a->data ? bytes_of(a->nalloc, a->item_size) : 0;
+    const std::size_t want = bytes_of(wanted, a->item_size);
+    a->data = a->data ? MM_realloc_item(a->data, bytes_of(a->nalloc, a->item_size), want)
+                      : MM_alloc_item(want);
+    if (!a->data) vorn::raise(kFile, kLineExtend, vorn::kNoMemory);
+    std::memset(block(a) + had, 0, want - had);
+    a->nalloc = wanted;
+}
+
+inline void ensure(DA_array *a, int64_t needed) {
+    if (needed > a->nalloc) [[unlikely]]
+        extend(a, static_cast<int32_t>(needed));
+}
+
+DA_array *new_array(int32_t item_size, int32_t increment, int32_t line) {
+    DA_array *a = vorn::alloc_record<DA_array>();
+    if (!a) vorn::raise(kFile, line, vorn::kNoMemory);
+    *a = DA_array{item_size, increment, 0, 0, nullptr};
+    return a;
+}
+
+void free_block(DA_array *a) {
+    if (a->data) MM_dealloc_item(a->data, bytes_of(a->nalloc, a->item_size));
+    a->data = nullptr;
+    a->nalloc = 0;
+    a->nitems = 0;
+}
+
+// Swaps items of a fixed size through a register-sized local; the generic
+// size goes through the caller's temporary.
+template <std::size_t N>
+void reverse_fixed(char *p, int32_t n) {
+    for (int32_t i = 0, j = n - 1; i < j; ++i, --j) {
+        unsigned char t[N];
+        std::memcpy(t, p + i * N, N);
+        std::memcpy(p + i * N, p + j * N, N);
+        std::memcpy(p + j * N, t, N);
+    }
+}
+
+}  // namespace
+
+extern "C" {
+
+// ---- life and size ----------------------------------------------------------
+
+DA_array *DA_create(int32_t item_size, int32_t increment) {
+    return new_array(item_size, increment, kLineCreate);
+}
+
+void DA_release(DA_array *array) {
+    if (!array) return;
+    free_block(array);
+    vorn::free_record(array);
+}
+
+void DA_clear(DA_array *array) { free_block(array); }
+
+void DA_reset(DA_array *array) { array->nitems = 0; }
+
+void DA_truncate(DA_array *array, int32_t count) {
+    if (count < array->nitems) array->nitems = count;
+}
+
+void DA_setsize(DA_array *array, int32_t count) {
+    extend(array, count);
+    array->nitems = count;
+}
+
+void DA_extend(DA_array *array, int32_t count) { extend(array, count); }
+
+int32_t DA_nitems(DA_array *array) { return array->nitems; }
+
+int32_t DA_nalloc(DA_array *array) { return array->nalloc; }
+
+int32_t DA_memsize(DA_array *array) {
+    return array ? static_cast<int32_t>(bytes_of(array->nalloc, array->item_size)) : 0;
+}
+
+int32_t DA_check(DA_array *array) {
+    std::size_t held = sizeof(DA_array);
+    if (array->data) held += bytes_of(array->nalloc, array->item_size);
+    return static_cast<int32_t>(held);
+}
+
+void *DA_data(DA_array *array) { return array->data; }
+
+// ---- items ------------------------------------------------------------------
+
+void DA_append(DA_array *array, const void *items, int32_t count) {
+    if (count <= 0) return;
+    const int32_t n = array->nitems;
+    ensure(array, int64_t{n} + count);
+    copy_bytes(slot(array, n), items, bytes_of(count, array->item_size));
+    array->nitems = n + count;
+}
+
+void DA_insert(DA_array *array, int32_t index, const void *items, int32_t count) {
+    const int32_t n = array->nitems;
+    const int32_t size = array->item_size;
+    if (index < n) {
+        ensure(array, int64_t{n} + count);
+        if (count <= 0) return;
+        std::memmove(slot(array, int64_t{index} + count), slot(array, index),
+                     bytes_of(n - index, size));
+        copy_bytes(slot(array, index), items, bytes_of(count, size));
+        array->nitems = n + count;
+    } else {
+        // One slot more than the items occupy is asked for here.
+        ensure(array, int64_t{index} + count + 1);
+        if (count > 0) copy_bytes(slot(array, index), items, bytes_of(count, size));
+        array->nitems = index + std::max(count, 0);
+    }
+}
+
+void DA_delete(DA_array *array, int32_t index, int32_t count) {
+    if (count <= 0) return;
+    const int32_t behind = array->nitems - index - count;
+    if (behind > 0)
+        std::memmove(slot(array, index), slot(array, int64_t{index} + count),
+                     bytes_of(behind, array->item_size));
+    array->nitems -= count;
+}
+
+void DA_put_item(DA_array *array, int32_t index, const void *item) {
+    ensure(array, int64_t{index} + 1);
+    char *to = slot(array, index);
+    const std::size_t size = static_cast<std::size_t>(array->item_size);
+    if (item)
+        copy_bytes(to, item, size);
+    else
+        std::memset(to, 0, size);
+    if (index >= array->nitems) array->nitems = index + 1;
+}
+
+void *DA_get_item(DA_array *array, int32_t index) {
+    ensure(array, int64_t{index} + 1);
+    if (index >= array->nitems) array->nitems = index + 1;
+    return slot(array, index);
+}
+
+char *DA_string(DA_array *array) {
+    const int32_t n = array->nitems;
+    ensure(array, int64_t{n} + 1);
+    char *text = block(array);
+    text[n] = '\0';  // a byte offset: the terminator serves item_size 1
+    return text;
+}
+
+// ---- whole arrays -----------------------------------------------------------
+
+DA_array *DA_copy(DA_array *array) {
+    DA_array *copy = new_array(array->item_size, array->increment, kLineCopy);
+    const int32_t n = array->nitems;
+    if (n > 0) {
+        extend(copy, n);
+        std::memcpy(copy->data, array->data, bytes_of(n, array->item_size));
+        copy->nitems = n;
+    }
+    return copy;
+}
+
+void DA_copy_into(DA_array *destination, DA_array *source) {
+    if (destination->item_size != source->item_size)
+        vorn::raise(kFile, kLineCopyInto, vorn::kBrokenState);
+    free_block(destination);
+    // Read after the destination is emptied: the same array twice ends empty.
+    const int32_t n = source->nitems;
+    if (n > 0) {
+        extend(destination, n);
+        std::memcpy(destination->data, source->data, bytes_of(n, source->item_size));
+        destination->nitems = n;
+    }
+}
+
+int32_t DA_equal(DA_array *a, DA_array *b) {
+    if (a->item_size != b->item_size || a->nitems != b->nitems) return 0;
+    if (a->nitems <= 0) return 1;
+    return std::memcmp(a->data, b->data, bytes_of(a->nitems, a->item_size)) == 0 ? 1 : 0;
+}
+
+void DA_reverse(DA_array *array) {
+    const int32_t n = array->nitems;
+    const std::size_t size = static_cast<std::size_t>(array->item_size);
+    void *temp = MM_alloc_item(size);  // one item's worth, on every call
+    char *p = block(array);
+    switch (size) {
+        case 1: reverse_fixed<1>(p, n); break;
+        case 2: reverse_fixed<2>(p, n); break;
+        case 4: reverse_fixed<4>(p, n); break;
+        case 8: reverse_fixed<8>(p, n); break;
+        default:
+            for (int32_t i = 0; i < n / 2; ++i) {
+                char *low = slot(array, i);
+                char *high = slot(array, n - 1 - i);
+                std::memcpy(temp, low, size);
+                std::memcpy(low, high, size);
+                std::memcpy(high, temp, size);
+            }
+    }
+    MM_dealloc_item(temp, size);
+}
+
+void DA_roll(DA_array *array, int32_t shift) {
+    const int32_t n = array->nitems;
+    if (n <= 1) return;
+    // r items go from the end to the front: the remainder of -shift by n.
+    const auto r = static_cast<int32_t>(((-int64_t{shift}) % n + n) % n);
+    if (r == 0) return;
+    const int32_t size = array->item_size;
+    char *p = block(array);
+    if (r <= n / 2) {
+        const std::size_t temp_bytes = bytes_of(r, size);
+        void *temp = MM_alloc_item(temp_bytes);
+        std::memcpy(temp, slot(array, n - r), temp_bytes);
+        std::memmove(slot(array, r), p, bytes_of(n - r, size));
+        std::memcpy(p, temp, temp_bytes);
+        MM_dealloc_item(temp, temp_bytes);
+    } else {
+        const int32_t m = n - r;
+        const std::size_t temp_bytes = bytes_of(m, size);
+        void *temp = MM_alloc_item(temp_bytes);
+        std::memcpy(temp, p, temp_bytes);
+        std::memmove(p, slot(array, m), bytes_of(r, size));
+        std::memcpy(slot(array, r), temp, temp_bytes);
+        MM_dealloc_item(temp, temp_bytes);
+    }
+}
+
+// ---- walking ----------------------------------------------------------------
+
+DA_iter DA_all_items(DA_array *array) { return DA_iter{array, 1, 0, array->nitems - 1, nullptr}; }
+
+DA_iter DA_tested_items(DA_array *array, DA_test_fn test) {
+    return DA_iter{array, 1, 0, array->nitems - 1, test};
+}
+
+int32_t DA_next(DA_iter *iterator, void **item) {
+    *item = nullptr;
+    DA_iter &it = *iterator;
+    const int64_t n = it.array->nitems;  // read once for the call
+    const int64_t last = it.last;
+    int64_t index = it.index;
+    void *found = nullptr;
+    if (it.forward) {
+        while (index <= last) {
+            if (index >= n) {  // no index ahead is held any more
+                index = last + 1;
+                break;
+            }
+            if (index < 0) {  // indices below 0 deliver nothing
+                index = std::min<int64_t>(0, last + 1);
+                continue;
+            }
+            void *candidate = slot(it.array, index++);
+            if (!it.test || it.test(candidate)) {
+                found = candidate;
+                break;
+            }
+        }
+    } else {
+        while (index >= last) {
+            if (index < 0) {
+                index = last - 1;
+                break;
+            }
+            if (index >= n) {  // indices at or beyond nitems deliver nothing
+                index = std::max(n - 1, last - 1);
+                continue;
+            }
+            void *candidate = slot(it.array, index--);
+            if (!it.test || it.test(candidate)) {
+                found = candidate;
+                break;
+            }
+        }
+    }
+    it.index = static_cast<int32_t>(index);
+    *item = found;
+    return found ? 1 : 0;
+}
+
+}  // extern "C"
