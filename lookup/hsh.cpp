@@ -187,8 +187,11 @@ void *HSH_set_value(HSH_table *t, void *key, void *value) {
 }
 
 void *HSH_get_value(HSH_table *t, void *key) {
-    const int32_t i = find_slot(t, key);
-    return i < 0 ? nullptr : t->values[i];
+    void *const *keys = t->keys;
+    const uint32_t mask = t->mask;
+    for (Slot i = home_of(t, key); keys[i]; i = (i + 1) & mask)
+        if (keys[i] == key) return t->values[i];
+    return nullptr;
 }
 
 int32_t HSH_contains_key(HSH_table *t, void *key) { return find_slot(t, key) >= 0; }
