@@ -89,7 +89,8 @@ VORN_API HSH_iter HSH_all_entries(HSH_table *table);
 
 /* The next occupied slot at or after `iter->index`: 1 with its key and value
  * written through the outs and `index` moved behind it, or 0 when none is
- * left (outs untouched, `index` left at `size`).  Either out may be null. */
+ * left (outs untouched, `index` left at `size`).  Either out may be null; a
+ * negative `index` in a record filled by hand is read as 0. */
 VORN_API int32_t HSH_next(HSH_iter *iter, void **key, void **value);
 
 /* Frees `keys`, `values` and the record, in this order, and writes null into

@@ -110,21 +110,15 @@ TEST_F(IoLut, IdentifierRulesAndFailureLines) {
 }
 
 TEST_F(IoLut, CreationShapes) {
-    io_lut_table *r = io_lut_create();
-    EXPECT_EQ(r->read_table, 1);
-    EXPECT_EQ(r->overwrite, 0);
-    EXPECT_EQ(r->identifiers, nullptr);
-    EXPECT_EQ(r->pointers->item_size, static_cast<int32_t>(sizeof(void *)));
-    EXPECT_EQ(r->pointers->nitems, 1);
-    EXPECT_EQ(r->pointers->nalloc, 1024);
+    io_lut_table *r = io_lut_create(), *w = io_lut_create_write();
+    EXPECT_EQ((std::vector<intptr_t>{r->read_table, r->overwrite, r->pointers->item_size, r->pointers->nitems,
+                                     r->pointers->nalloc, as_int(r->identifiers)}),
+              (std::vector<intptr_t>{1, 0, sizeof(void *), 1, 1024, 0}));
     for (uintptr_t i = 1; i <= 1024; ++i) ASSERT_EQ(io_lut_add(r, p(i)), static_cast<int32_t>(i));
-    EXPECT_EQ(r->pointers->nalloc, 2048);
-    io_lut_table *w = io_lut_create_write();
-    EXPECT_EQ(w->read_table, 0);
-    EXPECT_EQ(w->pointers, nullptr);
-    EXPECT_EQ(w->next_id, 1);
-    EXPECT_EQ(w->identifiers->size, 1024);
-    EXPECT_EQ(w->identifiers->shift, 5);
+    EXPECT_EQ(r->pointers->nalloc, 2048);  // grows by steps of 1024 identifiers
+    EXPECT_EQ((std::vector<intptr_t>{w->read_table, as_int(w->pointers), w->next_id, w->identifiers->size,
+                                     w->identifiers->shift}),
+              (std::vector<intptr_t>{0, 0, 1, 1024, 5}));
     io_lut_release(&r);
     io_lut_release(&w);
     io_lut_release(&w);  // a handle holding null is left alone
