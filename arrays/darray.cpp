@@ -67,8 +67,7 @@ inline void copy_bytes(void *to, const void *from, std::size_t n) {
     if (wanted <= a->nalloc) return;
     const std::size_t had = a->data ? bytes_of(a->nalloc, a->item_size) : 0;
     const std::size_t want = bytes_of(wanted, a->item_size);
-    a->data = a->data ? MM_realloc_item(a->data, bytes_of(a->nalloc, a->item_size), want)
-                      : MM_alloc_item(want);
+    a->data = a->data ? MM_realloc_item(a->data, had, want) : MM_alloc_item(want);
     if (!a->data) vorn::raise(kFile, kLineExtend, vorn::kNoMemory);
     std::memset(block(a) + had, 0, want - had);
     a->nalloc = wanted;
@@ -86,6 +85,39 @@ DA_array *new_array(int32_t item_size, int32_t increment, int32_t line) {
     return a;
 }
 
+// Any count, with growth: nitems + count > nalloc asks for nitems + count.
+[[gnu::noinline]] void append_general(DA_array *a, const void *items, int32_t count) {
+    if (count <= 0) return;
+    const int32_t n = a->nitems;
+    ensure(a, int64_t{n} + count);
+    copy_bytes(slot(a, n), items, bytes_of(count, a->item_size));
+    a->nitems = n + count;
+}
+
+// Stores one item at `index`, lengthening the array; a null item zeroes the
+// slot.  DA_put_item and DA_get_item test the capacity themselves and call
+// the *_grown forms only to grow, so that their fast paths need no frame.
+void store_at(DA_array *a, int32_t index, const void *item) {
+    if (index >= a->nitems) a->nitems = index + 1;
+    char *to = slot(a, index);
+    const std::size_t size = static_cast<std::size_t>(a->item_size);
+    if (item)
+        copy_bytes(to, item, size);
+    else
+        std::memset(to, 0, size);
+}
+
+[[gnu::noinline]] void put_grown(DA_array *a, int32_t index, const void *item) {
+    extend(a, index + 1);
+    store_at(a, index, item);
+}
+
+[[gnu::noinline]] void *get_grown(DA_array *a, int32_t index) {
+    extend(a, index + 1);
+    if (index >= a->nitems) a->nitems = index + 1;
+    return slot(a, index);
+}
+
 void free_block(DA_array *a) {
     if (a->data) MM_dealloc_item(a->data, bytes_of(a->nalloc, a->item_size));
     a->data = nullptr;
@@ -93,16 +125,14 @@ void free_block(DA_array *a) {
     a->nitems = 0;
 }
 
-// Swaps items of a fixed size through a register-sized local; the generic
-// size goes through the caller's temporary.
-template <std::size_t N>
-void reverse_fixed(char *p, int32_t n) {
-    for (int32_t i = 0, j = n - 1; i < j; ++i, --j) {
-        unsigned char t[N];
-        std::memcpy(t, p + i * N, N);
-        std::memcpy(p + i * N, p + j * N, N);
-        std::memcpy(p + j * N, t, N);
-    }
+// Gives an empty array (no items, no block) the items of `from`: capacity
+// under its own increment, rounded up from the count.
+void take_items(DA_array *to, const DA_array *from) {
+    const int32_t n = from->nitems;
+    if (n <= 0) return;
+    extend(to, n);
+    std::memcpy(to->data, from->data, bytes_of(n, from->item_size));
+    to->nitems = n;
 }
 
 }  // namespace
@@ -154,12 +184,16 @@ void *DA_data(DA_array *array) { return array->data; }
 
 // ---- items ------------------------------------------------------------------
 
+// The per-item path: one capacity test and the copy, in a function that
+// needs no frame; everything else is in append_general.
 void DA_append(DA_array *array, const void *items, int32_t count) {
-    if (count <= 0) return;
     const int32_t n = array->nitems;
-    ensure(array, int64_t{n} + count);
-    copy_bytes(slot(array, n), items, bytes_of(count, array->item_size));
-    array->nitems = n + count;
+    if (count == 1 && n < array->nalloc) [[likely]] {
+        array->nitems = n + 1;
+        copy_bytes(slot(array, n), items, static_cast<std::size_t>(array->item_size));
+        return;
+    }
+    append_general(array, items, count);
 }
 
 void DA_insert(DA_array *array, int32_t index, const void *items, int32_t count) {
@@ -190,25 +224,22 @@ void DA_delete(DA_array *array, int32_t index, int32_t count) {
 }
 
 void DA_put_item(DA_array *array, int32_t index, const void *item) {
-    ensure(array, int64_t{index} + 1);
-    char *to = slot(array, index);
-    const std::size_t size = static_cast<std::size_t>(array->item_size);
-    if (item)
-        copy_bytes(to, item, size);
-    else
-        std::memset(to, 0, size);
-    if (index >= array->nitems) array->nitems = index + 1;
+    if (index >= array->nalloc) [[unlikely]]
+        return put_grown(array, index, item);
+    store_at(array, index, item);
 }
 
 void *DA_get_item(DA_array *array, int32_t index) {
-    ensure(array, int64_t{index} + 1);
+    if (index >= array->nalloc) [[unlikely]]
+        return get_grown(array, index);
     if (index >= array->nitems) array->nitems = index + 1;
     return slot(array, index);
 }
 
 char *DA_string(DA_array *array) {
     const int32_t n = array->nitems;
-    ensure(array, int64_t{n} + 1);
+    if (n >= array->nalloc) [[unlikely]]
+        extend(array, n + 1);
     char *text = block(array);
     text[n] = '\0';  // a byte offset: the terminator serves item_size 1
     return text;
@@ -218,12 +249,7 @@ char *DA_string(DA_array *array) {
 
 DA_array *DA_copy(DA_array *array) {
     DA_array *copy = new_array(array->item_size, array->increment, kLineCopy);
-    const int32_t n = array->nitems;
-    if (n > 0) {
-        extend(copy, n);
-        std::memcpy(copy->data, array->data, bytes_of(n, array->item_size));
-        copy->nitems = n;
-    }
+    take_items(copy, array);
     return copy;
 }
 
@@ -231,13 +257,7 @@ void DA_copy_into(DA_array *destination, DA_array *source) {
     if (destination->item_size != source->item_size)
         vorn::raise(kFile, kLineCopyInto, vorn::kBrokenState);
     free_block(destination);
-    // Read after the destination is emptied: the same array twice ends empty.
-    const int32_t n = source->nitems;
-    if (n > 0) {
-        extend(destination, n);
-        std::memcpy(destination->data, source->data, bytes_of(n, source->item_size));
-        destination->nitems = n;
-    }
+    take_items(destination, source);  // so the same array twice ends empty
 }
 
 int32_t DA_equal(DA_array *a, DA_array *b) {
@@ -250,48 +270,39 @@ void DA_reverse(DA_array *array) {
     const int32_t n = array->nitems;
     const std::size_t size = static_cast<std::size_t>(array->item_size);
     void *temp = MM_alloc_item(size);  // one item's worth, on every call
-    char *p = block(array);
-    switch (size) {
-        case 1: reverse_fixed<1>(p, n); break;
-        case 2: reverse_fixed<2>(p, n); break;
-        case 4: reverse_fixed<4>(p, n); break;
-        case 8: reverse_fixed<8>(p, n); break;
-        default:
-            for (int32_t i = 0; i < n / 2; ++i) {
-                char *low = slot(array, i);
-                char *high = slot(array, n - 1 - i);
-                std::memcpy(temp, low, size);
-                std::memcpy(low, high, size);
-                std::memcpy(high, temp, size);
-            }
+    for (int32_t i = 0; i < n / 2; ++i) {
+        char *low = slot(array, i);
+        char *high = slot(array, n - 1 - i);
+        std::memcpy(temp, low, size);
+        std::memcpy(low, high, size);
+        std::memcpy(high, temp, size);
     }
     MM_dealloc_item(temp, size);
 }
 
+// The smaller part goes through the temporary, which so never exceeds half
+// the array; the larger part moves in place.
 void DA_roll(DA_array *array, int32_t shift) {
     const int32_t n = array->nitems;
     if (n <= 1) return;
     // r items go from the end to the front: the remainder of -shift by n.
     const auto r = static_cast<int32_t>(((-int64_t{shift}) % n + n) % n);
     if (r == 0) return;
-    const int32_t size = array->item_size;
+    const int32_t m = n - r, size = array->item_size;
     char *p = block(array);
-    if (r <= n / 2) {
-        const std::size_t temp_bytes = bytes_of(r, size);
-        void *temp = MM_alloc_item(temp_bytes);
-        std::memcpy(temp, slot(array, n - r), temp_bytes);
-        std::memmove(slot(array, r), p, bytes_of(n - r, size));
-        std::memcpy(p, temp, temp_bytes);
-        MM_dealloc_item(temp, temp_bytes);
-    } else {
-        const int32_t m = n - r;
-        const std::size_t temp_bytes = bytes_of(m, size);
-        void *temp = MM_alloc_item(temp_bytes);
-        std::memcpy(temp, p, temp_bytes);
+    const bool tail_saved = r <= n / 2;
+    const std::size_t saved = bytes_of(tail_saved ? r : m, size);
+    void *temp = MM_alloc_item(saved);
+    if (tail_saved) {  // the last r items wait while the first m move up
+        std::memcpy(temp, slot(array, m), saved);
+        std::memmove(slot(array, r), p, bytes_of(m, size));
+        std::memcpy(p, temp, saved);
+    } else {  // the first m items wait while the last r move down
+        std::memcpy(temp, p, saved);
         std::memmove(p, slot(array, m), bytes_of(r, size));
-        std::memcpy(slot(array, r), temp, temp_bytes);
-        MM_dealloc_item(temp, temp_bytes);
+        std::memcpy(slot(array, r), temp, saved);
     }
+    MM_dealloc_item(temp, saved);
 }
 
 // ---- walking ----------------------------------------------------------------
