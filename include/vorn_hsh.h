@@ -69,7 +69,9 @@ VORN_API HSH_table *HSH_create(uint32_t min_size, int32_t shift);
 
 /* Stores `value` under `key`, putting the key in if it is new (which may
  * grow the table) or replacing its value (which never resizes).  Gives the
- * value.  Key 0: stores nothing and gives 0. */
+ * value.  Key 0: stores nothing and gives 0.  At the largest size, 2^30
+ * slots, the table fills past its high limit until one slot is left empty,
+ * and then a new key is not stored and gives 0. */
 VORN_API void *HSH_set_value(HSH_table *table, void *key, void *value);
 
 /* The value of `key`, or 0 if it is absent (or is 0).  Allocates nothing. */
