@@ -1,5 +1,26 @@
 /*
- * vorn_hsh.h - the HSH family.
+ * vorn_hsh.h - HSH, the hash table from word to word.
+ *
+ * Open addressing with linear probing over two parallel arrays (keys and
+ * values) whose size is a power of two.  There is no hash function: the home
+ * slot of a key is the field of bits of the key's low 32 bits that starts at
+ * `shift`, cut out by a shift and the mask.  Callers whose keys have
+ * uninformative low bits (aligned pointers) give a shift that skips them.
+ *
+ * The word 0 marks an empty slot, so the key 0 cannot be stored: every
+ * operation given the key 0 quietly does nothing (or gives 0).  Values may be
+ * 0; HSH_contains_key tells a stored 0 from a miss.  Keys and values belong
+ * to the caller and are never dereferenced.
+ *
+ * The table grows (doubling) when a new key finds `count` at `high_limit`
+ * (7/8 of the size) and halves when a removal leaves `count` below
+ * `low_limit` (1/4 of the size, 0 at the minimum size).  No deleted-entry
+ * marker exists: a removal repairs the probe run behind the hole at once.
+ * Only a resize allocates; a lookup touches the keys array alone.
+ *
+ * The table record and both arrays are MM_ blocks owned by the table from
+ * HSH_create to HSH_release.  HSH raises nothing and tests no allocation.
+ * Addresses into `keys` / `values` hold until the next insertion or removal.
  */
 #ifndef VORN_HSH_H
 #define VORN_HSH_H
@@ -9,6 +30,74 @@
 #ifdef __cplusplus
 extern "C" {
 #endif
+
+typedef struct HSH_table HSH_table;
+typedef struct HSH_iter HSH_iter;
+
+/* The table.  All fields are public and read-only to callers.
+ * Invariants: `count` is the number of non-zero keys and never exceeds
+ * `high_limit`, so an empty slot always ends a probe; every key stands in its
+ * home slot or behind it in probe order (wrapping through `mask`) with no
+ * empty slot between; no key stands twice. */
+struct HSH_table {
+    int32_t min_size;     /* smallest size: the minimum given, as a power of two >= 8 */
+    int32_t size;         /* slots in each array; a power of two >= min_size */
+    int32_t count;        /* keys present */
+    int32_t low_limit;    /* a removal leaving count below this shrinks: size/4, 0 at min_size */
+    int32_t high_limit;   /* a new key finding count at this grows first: size*7/8 */
+    uint32_t mask;        /* size - 1 */
+    int32_t shift;        /* in force: min(wanted_shift, 32 - log2(size)), at least 0 */
+    int32_t wanted_shift; /* the shift given to HSH_create, as given */
+    void **keys;          /* `size` key words, 0 = empty slot */
+    void **values;        /* `size` value words, meaningful where the key is set */
+};
+
+/* A walk: returned by value, held by the caller, owns nothing and needs no
+ * closing.  It holds a slot index only, so a change of the table during a
+ * walk cannot make it read out of bounds; after a removal or a resize
+ * entries may be met twice or not at all. */
+struct HSH_iter {
+    HSH_table *table; /* the table walked */
+    int32_t index;    /* the slot the next step looks at first */
+};
+
+/* A new empty table.  `min_size` (compared unsigned) is raised to a power of
+ * two, at least 8; a minimum above 2^30 is taken as 2^30.  `shift` is where
+ * the key's bit field begins: 0 uses the low bits, 5 skips 32-byte alignment.
+ * A negative shift is taken as 0 (the stored `wanted_shift` keeps it). */
+VORN_API HSH_table *HSH_create(uint32_t min_size, int32_t shift);
+
+/* Stores `value` under `key`, putting the key in if it is new (which may
+ * grow the table) or replacing its value (which never resizes).  Gives the
+ * value.  Key 0: stores nothing and gives 0.  At the largest size, 2^30
+ * slots, the table fills past its high limit until one slot is left empty,
+ * and then a new key is not stored and gives 0. */
+VORN_API void *HSH_set_value(HSH_table *table, void *key, void *value);
+
+/* The value of `key`, or 0 if it is absent (or is 0).  Allocates nothing. */
+VORN_API void *HSH_get_value(HSH_table *table, void *key);
+
+/* 1 if `key` is present, else 0 (always 0 for key 0). */
+VORN_API int32_t HSH_contains_key(HSH_table *table, void *key);
+
+/* Takes `key` out, repairing the probe run behind it; may shrink the table.
+ * An absent key (or 0) is no failure and changes nothing. */
+VORN_API void HSH_remove_entry(HSH_table *table, void *key);
+
+/* A walk over the table in slot order: `index` 0, or `size` if the table is
+ * empty.  Slot order has nothing to do with insertion and changes with any
+ * resize. */
+VORN_API HSH_iter HSH_all_entries(HSH_table *table);
+
+/* The next occupied slot at or after `iter->index`: 1 with its key and value
+ * written through the outs and `index` moved behind it, or 0 when none is
+ * left (outs untouched, `index` left at `size`).  Either out may be null; a
+ * negative `index` in a record filled by hand is read as 0. */
+VORN_API int32_t HSH_next(HSH_iter *iter, void **key, void **value);
+
+/* Frees `keys`, `values` and the record, in this order, and writes null into
+ * *handle.  A null address or a handle holding null does nothing. */
+VORN_API void HSH_release(HSH_table **handle);
 
 #ifdef __cplusplus
 }

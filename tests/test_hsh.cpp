@@ -1,0 +1,212 @@
+// HSH: invariants over the public arrays under random operations against a
+// reference map, the exact layout a removal repair leaves, and the growth and
+// shrink sizes.
+#include <algorithm>
+#include <cstdint>
+#include <iterator>
+#include <map>
+#include <vector>
+
+#include "support.hpp"
+
+namespace {
+
+using vorn_test::LeakChecked;
+using vorn_test::Rng;
+
+void *word(uint64_t v) { return reinterpret_cast<void *>(static_cast<uintptr_t>(v)); }
+uint32_t home(const HSH_table *t, void *k) {
+    return (static_cast<uint32_t>(reinterpret_cast<uintptr_t>(k)) >> t->shift) & t->mask;
+}
+
+// Everything the table guarantees about its own record and arrays.
+void check_invariants(const HSH_table *t) {
+    int32_t log2 = 0;
+    while ((1 << log2) < t->size) ++log2;
+    ASSERT_EQ(t->size, 1 << log2);
+    ASSERT_GE(t->size, 8);
+    ASSERT_GE(t->size, t->min_size);
+    ASSERT_EQ(t->mask, static_cast<uint32_t>(t->size - 1));
+    ASSERT_EQ(t->shift, std::min(std::max(t->wanted_shift, 0), 32 - log2));
+    ASSERT_EQ(t->high_limit, t->size * 7 / 8);
+    ASSERT_EQ(t->low_limit, t->size > t->min_size ? t->size / 4 : 0);
+    // Walking from an empty slot, `len` counts the occupied slots in a row up
+    // to s: a key is reachable when its home lies within that run.
+    uint32_t start = 0;
+    while (t->keys[start]) ++start;  // an empty slot always exists
+    std::vector<void *> present;
+    for (uint32_t n = 1, len = 0; n <= t->mask + 1; ++n) {
+        const uint32_t s = (start + n) & t->mask;
+        void *k = t->keys[s];
+        len = k ? len + 1 : 0;
+        if (!k) continue;
+        present.push_back(k);
+        ASSERT_LT((s - home(t, k)) & t->mask, len) << "empty slot between home and place";
+    }
+    std::sort(present.begin(), present.end());
+    ASSERT_EQ(std::adjacent_find(present.begin(), present.end()), present.end()) << "key twice";
+    ASSERT_EQ(t->count, static_cast<int32_t>(present.size()));
+    ASSERT_LE(t->count, t->high_limit);
+}
+
+// Keys that collide on purpose: a few home fields, runs that start at the
+// last slots and wrap, noise below the shift, high bits set (bit 31, and on
+// 64-bit hosts bits above 32, which the home slot ignores).
+void *pick_key(Rng &rng, int32_t shift) {
+    const uint64_t noise = shift ? rng.below(1u << shift) : 0;
+    const uint64_t high = uint64_t{rng.below(16)} << 28;
+    const uint64_t wide = sizeof(void *) > 4 && rng.chance(30) ? uint64_t{rng.below(4)} << 40 : 0;
+    switch (rng.below(4)) {
+        case 0: return word(0xFFFFFFFFull - (uint64_t{rng.below(6)} << shift) - noise + wide);
+        case 1: return word((uint64_t{rng.below(6)} << shift) + noise + high + wide);
+        case 2: return word(rng.chance(2) ? 0 : (rng.next() & 0xFFFFFFFFull) | 1);
+        default: return word(((uint64_t{rng.below(300)} + 1) << shift) + noise + wide);
+    }
+}
+
+class HshModel : public LeakChecked {};
+
+TEST_F(HshModel, RandomOperationsKeepTheInvariantsAndTheReference) {
+    const struct { uint32_t min; int32_t shift; } shapes[] = {{0, 0}, {0, 5}, {64, 5}, {8, 31}, {16, -3}};
+    int64_t wrapped = 0, largest = 0, shrinks = 0;  // what the keys exercised
+    for (auto shape : shapes) {
+        for (uint64_t seed = 1; seed <= 4; ++seed) {
+            Rng rng(seed * 131 + shape.min + static_cast<uint64_t>(shape.shift + 7));
+            HSH_table *t = HSH_create(shape.min, shape.shift);
+            std::map<void *, void *> ref;
+            for (int op = 0; op < 2000; ++op) {
+                const bool filling = (op / 500) % 2 == 0;
+                void *k = pick_key(rng, t->shift);
+                void *v = word(rng.below(5));  // 0 occurs as a stored value
+                const uint32_t what = rng.below(100);
+                const int32_t before = t->size;
+                if (what < (filling ? 55u : 20u)) {
+                    ASSERT_EQ(HSH_set_value(t, k, v), k ? v : nullptr);
+                    if (k) ref[k] = v;
+                } else if (what < 80) {
+                    if (!ref.empty() && rng.chance(70))  // mostly keys present
+                        k = std::next(ref.begin(), rng.below(static_cast<uint32_t>(ref.size())))->first;
+                    HSH_remove_entry(t, k);
+                    ref.erase(k);
+                } else {
+                    ASSERT_EQ(HSH_contains_key(t, k), ref.count(k) ? 1 : 0);
+                    ASSERT_EQ(HSH_get_value(t, k), ref.count(k) ? ref[k] : nullptr);
+                }
+                check_invariants(t);
+                shrinks += t->size < before;
+                largest = std::max<int64_t>(largest, t->size);
+                for (uint32_t s = 0; s < 4; ++s) wrapped += t->keys[s] && home(t, t->keys[s]) > s;
+            }
+            std::map<void *, void *> walked;
+            HSH_iter it = HSH_all_entries(t);
+            void *k, *v;
+            while (HSH_next(&it, &k, &v)) ASSERT_TRUE(walked.emplace(k, v).second);
+            ASSERT_EQ(walked, ref);
+            ASSERT_EQ(HSH_next(&it, &k, &v), 0);
+            HSH_release(&t);
+            ASSERT_EQ(t, nullptr);
+        }
+    }
+    EXPECT_GT(wrapped, 0);
+    EXPECT_GE(largest, 256);
+    EXPECT_GT(shrinks, 0);
+}
+
+class Hsh : public LeakChecked {};
+
+// The repair goes backward from the tail of the run: the entry nearest the
+// tail that can fill the hole does so first, then the scan starts over from
+// the tail for the new hole.  (A forward repair gives other layouts here.)
+TEST_F(Hsh, RemovalRepairLeavesTheBackwardLayout) {
+    const uint64_t top = 0x80000000ull;  // the top bit never reaches the home slot at shift 0
+    const struct { std::vector<uint64_t> keys; uint64_t removed; std::vector<uint64_t> layout; } rows[] = {
+        // homes 6 6 7 6: a run that wraps past the end of the array
+        {{6, 14, 7, 22 + top}, 6, {7, 0, 0, 0, 0, 0, 22 + top, 14}},
+        // homes 2 2 3 5 3: the tail entry moves on the second pass
+        {{2, 10, 3, 5 + top, 11}, 2, {0, 0, 10, 11, 3, 5 + top, 0, 0}},
+    };
+    for (const auto &r : rows) {
+        HSH_table *t = HSH_create(0, 0);
+        for (uint64_t k : r.keys) HSH_set_value(t, word(k), word(k));
+        HSH_remove_entry(t, word(r.removed));
+        check_invariants(t);
+        for (int32_t s = 0; s < 8; ++s) {
+            EXPECT_EQ(t->keys[s], word(r.layout[s])) << "slot " << s;
+            EXPECT_TRUE(!t->keys[s] || t->values[s] == t->keys[s]);
+        }
+        HSH_release(&t);
+    }
+}
+
+TEST_F(Hsh, SizesLimitsAndShiftByMinimum) {
+    const struct { uint32_t min; int32_t shift; int32_t size, high, low, in_force; } rows[] = {
+        {0, 0, 8, 7, 0, 0},       {1, 5, 8, 7, 0, 5},         {8, 31, 8, 7, 0, 29},
+        {9, 5, 16, 14, 0, 5},     {1024, 5, 1024, 896, 0, 5}, {1025, 40, 2048, 1792, 0, 21},
+        {100, -2, 128, 112, 0, 0},
+    };
+    for (auto r : rows) {
+        HSH_table *t = HSH_create(r.min, r.shift);
+        EXPECT_EQ(t->min_size, r.size);
+        EXPECT_EQ(t->size, r.size);
+        EXPECT_EQ(t->high_limit, r.high);
+        EXPECT_EQ(t->low_limit, r.low);
+        EXPECT_EQ(t->shift, r.in_force);
+        EXPECT_EQ(t->wanted_shift, r.shift);
+        HSH_release(&t);
+    }
+}
+
+TEST_F(Hsh, GrowsAtSevenEighthsAndShrinksBelowAQuarterDownToTheMinimum) {
+    HSH_table *t = HSH_create(0, 0);
+    for (uintptr_t k = 1; k <= 7; ++k) HSH_set_value(t, word(k), word(k));
+    EXPECT_EQ(t->size, 8);
+    HSH_set_value(t, word(3), word(30));  // a replacement never grows
+    EXPECT_EQ(t->size, 8);
+    HSH_set_value(t, word(8), word(8));
+    EXPECT_EQ(t->size, 16);
+    EXPECT_EQ(t->low_limit, 4);
+    for (uintptr_t k = 8; k >= 5; --k) HSH_remove_entry(t, word(k));  // leaves 4
+    EXPECT_EQ(t->size, 16);
+    HSH_remove_entry(t, word(4));  // leaves 3, below 4
+    EXPECT_EQ(t->size, 8);
+    EXPECT_EQ(t->low_limit, 0);
+    EXPECT_EQ(HSH_get_value(t, word(3)), word(30));
+    for (uintptr_t k = 1; k <= 3; ++k) HSH_remove_entry(t, word(k));
+    EXPECT_EQ(t->size, 8);
+    EXPECT_EQ(t->count, 0);
+    HSH_release(&t);
+
+    t = HSH_create(8, 31);  // the field sits at the top of the word at every size
+    EXPECT_EQ(t->shift, 29);
+    for (uintptr_t k = 1; k <= 8; ++k) HSH_set_value(t, word(k << 28), word(k));
+    EXPECT_EQ(t->shift, 28);
+    for (uintptr_t k = 1; k <= 8; ++k) EXPECT_EQ(t->keys[k], word(k << 28));
+    HSH_release(&t);
+}
+
+TEST_F(Hsh, KeyZeroStoredZeroAndWalks) {
+    HSH_table *t = HSH_create(0, 0);
+    HSH_iter it = HSH_all_entries(t);
+    EXPECT_EQ(it.index, 8);
+    void *k = word(77), *v = word(77);
+    EXPECT_EQ(HSH_next(&it, &k, &v), 0);
+    EXPECT_EQ(k, word(77));
+    EXPECT_EQ(HSH_set_value(t, nullptr, word(5)), nullptr);
+    EXPECT_EQ(t->count, 0);
+    HSH_set_value(t, word(9), nullptr);
+    EXPECT_EQ(HSH_get_value(t, nullptr), nullptr);
+    EXPECT_EQ(HSH_contains_key(t, nullptr), 0);
+    HSH_remove_entry(t, nullptr);
+    EXPECT_EQ(HSH_get_value(t, word(9)), nullptr);
+    EXPECT_EQ(HSH_contains_key(t, word(9)), 1);
+    it = HSH_all_entries(t);
+    EXPECT_EQ(it.index, 0);
+    EXPECT_EQ(HSH_next(&it, nullptr, nullptr), 1);
+    EXPECT_EQ(it.index, 2);
+    EXPECT_EQ(HSH_next(&it, &k, &v), 0);
+    EXPECT_EQ(it.index, 8);
+    HSH_release(&t);
+    HSH_release(&t);  // a handle holding null is left alone
+}
+
+}  // namespace

@@ -1,0 +1,153 @@
+// io_lut: the identifier rules and failure lines of both kinds of table as
+// one table of cases, then the walk and its snapshot.
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <vector>
+
+#include "support.hpp"
+
+namespace {
+
+using vorn_test::LeakChecked;
+using vorn_test::Raised;
+
+void *p(uintptr_t v) { return reinterpret_cast<void *>(v * 64); }  // aligned like objects
+constexpr intptr_t kNull = 0;
+
+enum Kind { kRead, kOverwrite, kWrite };
+
+struct Case {
+    const char *what;
+    Kind kind;
+    std::function<intptr_t(io_lut_table *)> run;  // gives the result checked
+    intptr_t result;                               // unused when a raise is expected
+    std::optional<Raised> raise;
+};
+
+intptr_t as_int(void *v) { return reinterpret_cast<intptr_t>(v); }
+Raised plut(int32_t line) { return {"plut", line, line == 85 ? 4297 : 4397}; }
+
+const std::vector<Case> &cases() {
+    static const std::vector<Case> all = {
+        // read tables
+        {"read: first add 1, next 2", kRead, [](auto t) { io_lut_add(t, p(1)); return io_lut_add(t, p(2)); }, 2, {}},
+        {"read: get_id on a new table", kRead, [](auto t) { return io_lut_get_id(t, p(1)); }, 0, plut(201)},
+        {"read: look_id on a new table", kRead, [](auto t) { return io_lut_look_id(t, p(1)); }, 0, {}},
+        {"read: look_ptr 1 on a new table", kRead, [](auto t) { return as_int(io_lut_look_ptr(t, 1)); }, kNull, {}},
+        {"read: get_ptr 0", kRead, [](auto t) { io_lut_add(t, p(1)); return as_int(io_lut_get_ptr(t, 0)); }, 0, plut(105)},
+        {"read: get_ptr -1", kRead, [](auto t) { io_lut_add(t, p(1)); return as_int(io_lut_get_ptr(t, -1)); }, 0, plut(105)},
+        {"read: get_ptr nitems", kRead, [](auto t) { io_lut_add(t, p(1)); return as_int(io_lut_get_ptr(t, 2)); }, 0, plut(105)},
+        {"read: look_ptr 0, -1, nitems", kRead,
+         [](auto t) { io_lut_add(t, p(1)); return as_int(io_lut_look_ptr(t, 0)) | as_int(io_lut_look_ptr(t, -1)) | as_int(io_lut_look_ptr(t, 2)); },
+         kNull, {}},
+        {"read: get_ptr of a removed pointer", kRead,
+         [](auto t) { io_lut_add(t, p(1)); io_lut_add(t, p(2)); io_lut_remove(t, p(1)); return as_int(io_lut_get_ptr(t, 1)); }, 0, plut(105)},
+        {"read: add after a remove gives a new identifier", kRead,
+         [](auto t) { io_lut_add(t, p(1)); io_lut_add(t, p(2)); io_lut_remove(t, p(1)); return io_lut_add(t, p(1)); }, 3, {}},
+        {"read: set at nitems appends", kRead, [](auto t) { io_lut_set(t, p(5), 1); return as_int(io_lut_get_ptr(t, 1)); }, as_int(p(5)), {}},
+        {"read: set at 10 of 3 slots leaves holes 3 to 9", kRead,
+         [](auto t) { io_lut_add(t, p(1)); io_lut_add(t, p(2)); io_lut_set(t, p(3), 10);
+                      return intptr_t{t->pointers->nitems} * 100 + io_lut_look_id(t, nullptr); }, 1103, {}},
+        {"read: a non-null pointer into a hole", kRead,
+         [](auto t) { io_lut_set(t, p(3), 10); io_lut_set(t, p(4), 5); return intptr_t{0}; }, 0, plut(85)},
+        {"read: null into a hole", kRead, [](auto t) { io_lut_set(t, p(3), 10); io_lut_set(t, nullptr, 5); return io_lut_look_id(t, p(3)); }, 10, {}},
+        {"read: the pointer a slot already holds", kRead, [](auto t) { io_lut_add(t, p(1)); io_lut_set(t, p(1), 1); return io_lut_get_id(t, p(1)); }, 1, {}},
+        {"read: a different pointer over a slot", kRead, [](auto t) { io_lut_add(t, p(1)); io_lut_set(t, p(2), 1); return intptr_t{0}; }, 0, plut(85)},
+        {"read: a pointer into slot 0", kRead, [](auto t) { io_lut_set(t, p(2), 0); return intptr_t{0}; }, 0, plut(85)},
+        {"read: negative id changes nothing", kOverwrite, [](auto t) { io_lut_set(t, p(2), -4); return intptr_t{t->pointers->nitems}; }, 1, {}},
+        {"read: get_id of null finds the first hole", kRead,
+         [](auto t) { io_lut_add(t, p(1)); io_lut_add(t, nullptr); io_lut_add(t, nullptr); return io_lut_get_id(t, nullptr); }, 2, {}},
+        {"read: get_id of null without a hole", kRead, [](auto t) { io_lut_add(t, p(1)); return io_lut_get_id(t, nullptr); }, 0, plut(201)},
+        {"read: two slots, the lower wins and goes first", kRead,
+         [](auto t) { io_lut_add(t, p(1)); io_lut_add(t, p(1)); intptr_t low = io_lut_get_id(t, p(1));
+                      io_lut_remove(t, p(1)); return low * 10 + io_lut_get_id(t, p(1)); }, 12, {}},
+        {"read: remove of an absent pointer", kRead, [](auto t) { io_lut_add(t, p(1)); io_lut_remove(t, p(9)); return io_lut_get_id(t, p(1)); }, 1, {}},
+        {"overwrite: set replaces a slot", kOverwrite,
+         [](auto t) { io_lut_add(t, p(1)); io_lut_set(t, p(2), 1); return io_lut_look_id(t, p(1)) * 10 + io_lut_look_id(t, p(2)); }, 1, {}},
+        {"overwrite: slot 0 stays out of sight", kOverwrite,
+         [](auto t) { io_lut_set(t, p(2), 0); return io_lut_look_id(t, p(2)) + as_int(io_lut_look_ptr(t, 0)); }, 0, {}},
+        {"overwrite: get_id of a pointer in slot 0", kOverwrite, [](auto t) { io_lut_set(t, p(2), 0); return io_lut_get_id(t, p(2)); }, 0, plut(201)},
+        // write tables
+        {"write: first add 1, next 2", kWrite, [](auto t) { io_lut_add(t, p(1)); return io_lut_add(t, p(2)); }, 2, {}},
+        {"write: add of null uses an identifier up", kWrite,
+         [](auto t) { intptr_t id = io_lut_add(t, nullptr); return id * 100 + io_lut_look_id(t, nullptr) * 10 + io_lut_add(t, p(1)); }, 102, {}},
+        {"write: set 10 then add", kWrite, [](auto t) { io_lut_set(t, p(1), 10); return io_lut_add(t, p(2)); }, 11, {}},
+        {"write: set below next_id keeps it", kWrite,
+         [](auto t) { io_lut_set(t, p(1), 10); io_lut_add(t, p(2)); io_lut_set(t, p(3), 3); return io_lut_add(t, p(4)) * 100 + io_lut_get_id(t, p(3)); }, 1203, {}},
+        {"write: set of null stores nothing, next_id rises", kWrite,
+         [](auto t) { io_lut_set(t, nullptr, 5); return t->identifiers->count * 100 + io_lut_add(t, p(1)); }, 6, {}},
+        {"write: set at id 0 reads as absent", kWrite, [](auto t) { io_lut_set(t, p(1), 0); return io_lut_look_id(t, p(1)); }, 0, {}},
+        {"write: get_id after a set at id 0", kWrite, [](auto t) { io_lut_set(t, p(1), 0); return io_lut_get_id(t, p(1)); }, 0, plut(210)},
+        {"write: get_id of an absent pointer", kWrite, [](auto t) { io_lut_add(t, p(1)); return io_lut_get_id(t, p(2)); }, 0, plut(210)},
+        {"write: get_id of null", kWrite, [](auto t) { return io_lut_get_id(t, nullptr); }, 0, {}},
+        {"write: a second add replaces the identifier", kWrite, [](auto t) { io_lut_add(t, p(1)); io_lut_add(t, p(1)); return io_lut_get_id(t, p(1)); }, 2, {}},
+        {"write: remove keeps next_id", kWrite,
+         [](auto t) { io_lut_add(t, p(1)); io_lut_remove(t, p(1)); return io_lut_look_id(t, p(1)) * 10 + io_lut_add(t, p(1)); }, 2, {}},
+        {"write: set at the largest id", kWrite, [](auto t) { io_lut_set(t, p(1), INT32_MAX); return intptr_t{t->next_id}; }, INT32_MAX, {}},
+        {"write: pointer lookups miss", kWrite,
+         [](auto t) { io_lut_add(t, p(1)); io_lut_iter it = io_lut_all_items(t); return as_int(io_lut_look_ptr(t, 1)) + as_int(io_lut_next_item(&it)); }, kNull, {}},
+        {"write: get_ptr misses", kWrite, [](auto t) { io_lut_add(t, p(1)); return as_int(io_lut_get_ptr(t, 1)); }, 0, plut(105)},
+    };
+    return all;
+}
+
+class IoLut : public LeakChecked {};
+
+TEST_F(IoLut, IdentifierRulesAndFailureLines) {
+    for (const Case &c : cases()) {
+        SCOPED_TRACE(c.what);
+        io_lut_table *t = c.kind == kWrite ? io_lut_create_write() : io_lut_create_read(c.kind == kOverwrite);
+        intptr_t got = -1;
+        auto raised = vorn_test::catch_raise([&] { got = c.run(t); });
+        EXPECT_EQ(vorn_test::describe(raised), vorn_test::describe(c.raise));
+        if (!c.raise) {
+            EXPECT_EQ(got, c.result);
+        }
+        io_lut_release(&t);
+        EXPECT_EQ(t, nullptr);
+    }
+}
+
+TEST_F(IoLut, CreationShapes) {
+    io_lut_table *r = io_lut_create(), *w = io_lut_create_write();
+    EXPECT_EQ((std::vector<intptr_t>{r->read_table, r->overwrite, r->pointers->item_size, r->pointers->nitems,
+                                     r->pointers->nalloc, as_int(r->identifiers)}),
+              (std::vector<intptr_t>{1, 0, sizeof(void *), 1, 1024, 0}));
+    for (uintptr_t i = 1; i <= 1024; ++i) ASSERT_EQ(io_lut_add(r, p(i)), static_cast<int32_t>(i));
+    EXPECT_EQ(r->pointers->nalloc, 2048);  // grows by steps of 1024 identifiers
+    EXPECT_EQ((std::vector<intptr_t>{w->read_table, as_int(w->pointers), w->next_id, w->identifiers->size,
+                                     w->identifiers->shift}),
+              (std::vector<intptr_t>{0, 0, 1, 1024, 5}));
+    io_lut_release(&r);
+    io_lut_release(&w);
+    io_lut_release(&w);  // a handle holding null is left alone
+}
+
+TEST_F(IoLut, WalkIsASnapshotThatPassesOverHoles) {
+    io_lut_table *t = io_lut_create();
+    io_lut_iter it = io_lut_all_items(t);
+    EXPECT_EQ(io_lut_next_item(&it), nullptr);
+    io_lut_add(t, nullptr);
+    io_lut_add(t, p(2));
+    io_lut_add(t, p(3));
+    io_lut_add(t, nullptr);
+    io_lut_add(t, p(5));
+    it = io_lut_all_items(t);
+    EXPECT_EQ(it.count, 6);
+    EXPECT_EQ(it.position, 1);
+    EXPECT_EQ(io_lut_next_item(&it), p(2));
+    io_lut_remove(t, p(3));  // harmless: the hole is passed over
+    io_lut_add(t, p(6));     // beyond the snapshot's count
+    EXPECT_EQ(io_lut_next_item(&it), p(5));
+    EXPECT_EQ(io_lut_next_item(&it), nullptr);
+    EXPECT_EQ(io_lut_next_item(&it), nullptr);
+    io_lut_remove(t, p(2));
+    io_lut_remove(t, p(5));
+    io_lut_remove(t, p(6));
+    it = io_lut_all_items(t);
+    EXPECT_EQ(io_lut_next_item(&it), nullptr);  // only holes
+    io_lut_release(&t);
+}
+
+}  // namespace
