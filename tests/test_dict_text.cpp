@@ -186,6 +186,21 @@ TEST_F(DictText, ReaderOutcomes) {
         GENDICT_release(&d);
     }
     EXPECT_EQ(GENDICT_from_buf(nullptr), nullptr);
+
+    // Repeated keys in a large dictionary, nested in another: each replaces
+    // the value at the place of its first entry, at both levels.
+    std::string text = "DICT{[outer]=1 [big]=DICT{", want_big;
+    for (int i = 0; i < 40; ++i) text += "[k" + std::to_string(i) + "]=" + std::to_string(i) + " ";
+    text += "[k3]=\"three\" [k39]=DICT{} [k0]=-1 }[outer]=2 [k3]=7 }";
+    SL_list *d = read_exact(text);
+    ASSERT_NE(d, nullptr);
+    for (int i = 0; i < 40; ++i) {
+        const std::string v = i == 0 ? "-1\n" : i == 3 ? "\"three\"\n" : i == 39 ? "DICT{\n    }\n"
+                                                                      : std::to_string(i) + "\n";
+        want_big += "    [k" + std::to_string(i) + "] = " + v;
+    }
+    EXPECT_EQ(text_of(d), "DICT{\n  [outer] = 2\n  [big] = DICT{\n" + want_big + "  }\n  [k3] = 7\n}\n");
+    GENDICT_release(&d);
 }
 
 // Random dictionaries of the kinds that survive the text form.
