@@ -1,0 +1,12 @@
+# 32-bit build on a 64-bit x86 Linux host with the multilib compilers
+# (Debian: gcc-multilib g++-multilib), so that a pointer has 32 bits as in
+# the library's home process.  GoogleTest must then be built from source:
+#   cmake -S . -B build/m32 -DCMAKE_TOOLCHAIN_FILE=cmake/toolchain-m32.cmake \
+#         -DVORN_GTEST_FROM_SOURCE=ON
+# The programs run natively, so this is no cross build for CMake; CMake finds
+# the 32-bit library directories (lib32) itself once it sees 4-byte pointers.
+set(CMAKE_C_FLAGS_INIT "-m32")
+set(CMAKE_CXX_FLAGS_INIT "-m32")
+set(CMAKE_EXE_LINKER_FLAGS_INIT "-m32")
+set(CMAKE_SHARED_LINKER_FLAGS_INIT "-m32")
+set(CMAKE_MODULE_LINKER_FLAGS_INIT "-m32")
