@@ -79,9 +79,11 @@ TEST(Base, TprintfIsReadAtEveryUseAndSysColoursAreTheDefaults) {
     Tprintf = before;
     EXPECT_EQ(g_printed, "7-x");
     debug_break();  // comes back
+#if !defined(_WIN32)  // on Windows the system's own GetSysColor answers
     EXPECT_EQ(GetSysColor(15), 0x00F0F0F0u);
     EXPECT_EQ(GetSysColor(13), 0x00D77800u);
     EXPECT_EQ(GetSysColor(14), 0x00FFFFFFu);
+#endif
 }
 
 #ifdef VORN_MM_CHECKED
