@@ -183,7 +183,7 @@ void new_span(Bin &b, size_t cls) {
     b.bump_end = span + bytes;
 }
 
-void refill(Bin &b, size_t cls) {
+[[maybe_unused]] void refill(Bin &b, size_t cls) {
     SharedBin &s = shared_bins()[cls];
     {
         std::lock_guard<std::mutex> lock(s.mutex);
@@ -203,7 +203,7 @@ void refill(Bin &b, size_t cls) {
 }
 
 // Gives kTransfer slots of a full thread bin to the shared list.
-void give_back(Bin &b, size_t cls) {
+[[maybe_unused]] void give_back(Bin &b, size_t cls) {
     FreeSlot *first = b.head, *last = first;
     for (uint32_t n = 1; n < kTransfer; ++n) last = last->next;
     b.head = last->next;
