@@ -212,6 +212,24 @@ VORN_API int32_t EL_next_position(EL_iter *iter, EL_node **pos_out);
  * `buffer`; the buffer is written only for an accepted item. */
 VORN_API int32_t EL_next_item_copy(EL_iter *iter, void *buffer);
 
+/* The step runs once per item, so hosts get it inline: the walk's record can
+ * then stay in registers.  It behaves exactly as the exported EL_next_item
+ * (whose address stays available); define VORN_NO_INLINE_WALKS to call the
+ * library instead. */
+#if !defined(VORN_NO_INLINE_WALKS) && !defined(VORN_CONTAINER_BUILD)
+static inline int32_t EL_next_item_inline(EL_iter *iter, void **item_out) {
+    for (;;) {
+        EL_node *n = iter->next;
+        if (!n) return 0;
+        iter->current = n;
+        iter->next = n == iter->last ? (EL_node *)0 : iter->forward ? n->next : n->prev;
+        *item_out = n->item;
+        if (!iter->test || iter->test(n->item)) return 1;
+    }
+}
+#define EL_next_item(iter, item_out) EL_next_item_inline((iter), (item_out))
+#endif
+
 #ifdef __cplusplus
 }
 #endif
