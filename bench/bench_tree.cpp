@@ -261,7 +261,10 @@ struct RbNode {
 };
 int rb_compare(RbNode *a, RbNode *b) { return vorn_bench_compare(a->item, b->item); }
 RB_HEAD(RbTree, RbNode);
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wunused-function"
 RB_GENERATE(RbTree, RbNode, link, rb_compare)
+#pragma GCC diagnostic pop
 
 void rb_free(RbTree *h) {
     RbNode *n, *next;
