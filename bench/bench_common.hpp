@@ -15,7 +15,11 @@ namespace vorn_bench {
 
 // Bytes the process heap holds now (allocator overhead included), so that
 // every contender is measured the same way: our slabs come from malloc too.
-inline int64_t heap_bytes() { return static_cast<int64_t>(mallinfo2().uordblks); }
+// Large blocks are mapped apart from the arena, so both counts are summed.
+inline int64_t heap_bytes() {
+    const struct mallinfo2 mi = mallinfo2();
+    return static_cast<int64_t>(mi.uordblks + mi.hblkhd);
+}
 
 // Reports heap bytes per item for a structure built between `before` and now.
 inline void report_bytes(benchmark::State &state, int64_t before, int64_t items) {
