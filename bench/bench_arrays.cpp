@@ -20,7 +20,7 @@ DA_array *da_filled() {
     return a;
 }
 
-void DA_Append(benchmark::State &state) {
+void DA_ArrayAppend(benchmark::State &state) {
     for (auto _ : state) {
         const int64_t before = MM_bytes_in_use();
         DA_array *a = da_filled();
@@ -32,7 +32,7 @@ void DA_Append(benchmark::State &state) {
     state.SetItemsProcessed(state.iterations() * kItems);
 }
 
-void DA_ReadIndex(benchmark::State &state) {
+void DA_ArrayReadIndex(benchmark::State &state) {
     DA_array *a = da_filled();
     for (auto _ : state) {
         int64_t sum = 0;
@@ -44,7 +44,7 @@ void DA_ReadIndex(benchmark::State &state) {
 }
 
 // The block is public: a host may index it directly.
-void DA_ReadData(benchmark::State &state) {
+void DA_ArrayReadData(benchmark::State &state) {
     DA_array *a = da_filled();
     for (auto _ : state) {
         const auto *d = static_cast<const int32_t *>(DA_data(a));
@@ -62,7 +62,7 @@ GArray *garray_filled() {
     return a;
 }
 
-void GArray_Append(benchmark::State &state) {
+void GArray_ArrayAppend(benchmark::State &state) {
     for (auto _ : state) {
         const int64_t before = vorn_bench::heap_bytes();
         GArray *a = garray_filled();
@@ -74,7 +74,7 @@ void GArray_Append(benchmark::State &state) {
     state.SetItemsProcessed(state.iterations() * kItems);
 }
 
-void GArray_ReadIndex(benchmark::State &state) {
+void GArray_ArrayReadIndex(benchmark::State &state) {
     GArray *a = garray_filled();
     for (auto _ : state) {
         int64_t sum = 0;
@@ -85,7 +85,7 @@ void GArray_ReadIndex(benchmark::State &state) {
     state.SetItemsProcessed(state.iterations() * kItems);
 }
 
-void StdVector_Append(benchmark::State &state) {
+void StdVector_ArrayAppend(benchmark::State &state) {
     for (auto _ : state) {
         const int64_t before = vorn_bench::heap_bytes();
         auto *v = new std::vector<int32_t>();
@@ -98,7 +98,7 @@ void StdVector_Append(benchmark::State &state) {
     state.SetItemsProcessed(state.iterations() * kItems);
 }
 
-void StdVector_ReadIndex(benchmark::State &state) {
+void StdVector_ArrayReadIndex(benchmark::State &state) {
     std::vector<int32_t> v;
     for (int32_t i = 0; i < kItems; ++i) v.push_back(i);
     for (auto _ : state) {
@@ -112,10 +112,10 @@ void StdVector_ReadIndex(benchmark::State &state) {
 }  // namespace
 
 #define VORN_ARRAY_BENCH(name) BENCHMARK(name)->Unit(benchmark::kMillisecond)
-VORN_ARRAY_BENCH(DA_Append);
-VORN_ARRAY_BENCH(GArray_Append);
-VORN_ARRAY_BENCH(StdVector_Append);
-VORN_ARRAY_BENCH(DA_ReadIndex);
-VORN_ARRAY_BENCH(DA_ReadData);
-VORN_ARRAY_BENCH(GArray_ReadIndex);
-VORN_ARRAY_BENCH(StdVector_ReadIndex);
+VORN_ARRAY_BENCH(DA_ArrayAppend);
+VORN_ARRAY_BENCH(GArray_ArrayAppend);
+VORN_ARRAY_BENCH(StdVector_ArrayAppend);
+VORN_ARRAY_BENCH(DA_ArrayReadIndex);
+VORN_ARRAY_BENCH(DA_ArrayReadData);
+VORN_ARRAY_BENCH(GArray_ArrayReadIndex);
+VORN_ARRAY_BENCH(StdVector_ArrayReadIndex);

@@ -87,7 +87,7 @@ json_object *jsonc_built() {
     return root;
 }
 
-void GENDICT_Write(benchmark::State &state) {
+void GENDICT_TextWrite(benchmark::State &state) {
     SL_list *d = gendict_built();
     int64_t bytes = 0;
     for (auto _ : state) {
@@ -103,7 +103,7 @@ void GENDICT_Write(benchmark::State &state) {
     state.SetBytesProcessed(bytes);
 }
 
-void GENDICT_Read(benchmark::State &state) {
+void GENDICT_TextRead(benchmark::State &state) {
     SL_list *d = gendict_built();
     char *buf;
     int32_t length;
@@ -122,7 +122,7 @@ void GENDICT_Read(benchmark::State &state) {
     state.SetBytesProcessed(state.iterations() * (length - 1));
 }
 
-void CJson_Write(benchmark::State &state) {
+void CJson_TextWrite(benchmark::State &state) {
     cJSON *root = cjson_built();
     int64_t bytes = 0;
     for (auto _ : state) {
@@ -136,7 +136,7 @@ void CJson_Write(benchmark::State &state) {
     state.SetBytesProcessed(bytes);
 }
 
-void CJson_Read(benchmark::State &state) {
+void CJson_TextRead(benchmark::State &state) {
     cJSON *root = cjson_built();
     char *text = cJSON_PrintUnformatted(root);
     cJSON_Delete(root);
@@ -154,7 +154,7 @@ void CJson_Read(benchmark::State &state) {
     state.SetBytesProcessed(state.iterations() * length);
 }
 
-void JsonC_Write(benchmark::State &state) {
+void JsonC_TextWrite(benchmark::State &state) {
     json_object *root = jsonc_built();
     int64_t bytes = 0;
     for (auto _ : state) {
@@ -170,7 +170,7 @@ void JsonC_Write(benchmark::State &state) {
     state.SetBytesProcessed(bytes);
 }
 
-void JsonC_Read(benchmark::State &state) {
+void JsonC_TextRead(benchmark::State &state) {
     json_object *root = jsonc_built();
     const std::string text = json_object_to_json_string_ext(root, JSON_C_TO_STRING_PLAIN);
     json_object_put(root);
@@ -189,9 +189,9 @@ void JsonC_Read(benchmark::State &state) {
 }  // namespace
 
 #define VORN_TEXT_BENCH(name) BENCHMARK(name)->Unit(benchmark::kMillisecond)
-VORN_TEXT_BENCH(GENDICT_Write);
-VORN_TEXT_BENCH(CJson_Write);
-VORN_TEXT_BENCH(JsonC_Write);
-VORN_TEXT_BENCH(GENDICT_Read);
-VORN_TEXT_BENCH(CJson_Read);
-VORN_TEXT_BENCH(JsonC_Read);
+VORN_TEXT_BENCH(GENDICT_TextWrite);
+VORN_TEXT_BENCH(CJson_TextWrite);
+VORN_TEXT_BENCH(JsonC_TextWrite);
+VORN_TEXT_BENCH(GENDICT_TextRead);
+VORN_TEXT_BENCH(CJson_TextRead);
+VORN_TEXT_BENCH(JsonC_TextRead);

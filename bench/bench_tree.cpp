@@ -45,7 +45,7 @@ GT_tree *gt_filled(std::vector<GT_node *> *pos = nullptr) {
     return t;
 }
 
-void GT_Insert(benchmark::State &state) {
+void GT_TreeInsert(benchmark::State &state) {
     for (auto _ : state) {
         const int64_t before = MM_bytes_in_use();
         GT_tree *t = GT_create_with_dupl_allowed(vorn_bench_compare);
@@ -58,7 +58,7 @@ void GT_Insert(benchmark::State &state) {
     state.SetItemsProcessed(state.iterations() * kItems);
 }
 
-void GT_Lookup(benchmark::State &state) {
+void GT_TreeLookup(benchmark::State &state) {
     GT_tree *t = gt_filled();
     for (auto _ : state) {
         int64_t found = 0;
@@ -70,7 +70,7 @@ void GT_Lookup(benchmark::State &state) {
     state.SetItemsProcessed(state.iterations() * kItems);
 }
 
-void GT_Walk(benchmark::State &state) {
+void GT_TreeWalk(benchmark::State &state) {
     GT_tree *t = gt_filled();
     for (auto _ : state) {
         uintptr_t sum = 0;
@@ -84,7 +84,7 @@ void GT_Walk(benchmark::State &state) {
 }
 
 // The sorted chain is public: a host may walk it directly.
-void GT_WalkLinks(benchmark::State &state) {
+void GT_TreeWalkLinks(benchmark::State &state) {
     GT_tree *t = gt_filled();
     for (auto _ : state) {
         uintptr_t sum = 0;
@@ -97,7 +97,7 @@ void GT_WalkLinks(benchmark::State &state) {
 
 // Removal of every node through the position its insertion gave, in
 // insertion (random) order.
-void GT_RemoveAt(benchmark::State &state) {
+void GT_TreeRemoveAt(benchmark::State &state) {
     std::vector<GT_node *> pos;
     pos.reserve(kItems);
     for (auto _ : state) {
@@ -124,7 +124,7 @@ GTree *gtree_filled() {
     return t;
 }
 
-void GTree_Insert(benchmark::State &state) {
+void GTree_TreeInsert(benchmark::State &state) {
     for (auto _ : state) {
         const int64_t before = vorn_bench::heap_bytes();
         GTree *t = g_tree_new(gtree_compare);
@@ -137,7 +137,7 @@ void GTree_Insert(benchmark::State &state) {
     state.SetItemsProcessed(state.iterations() * kItems);
 }
 
-void GTree_Lookup(benchmark::State &state) {
+void GTree_TreeLookup(benchmark::State &state) {
     GTree *t = gtree_filled();
     for (auto _ : state) {
         int64_t found = 0;
@@ -148,7 +148,7 @@ void GTree_Lookup(benchmark::State &state) {
     state.SetItemsProcessed(state.iterations() * kItems);
 }
 
-void GTree_Walk(benchmark::State &state) {
+void GTree_TreeWalk(benchmark::State &state) {
     GTree *t = gtree_filled();
     for (auto _ : state) {
         uintptr_t sum = 0;
@@ -161,7 +161,7 @@ void GTree_Walk(benchmark::State &state) {
 }
 
 // GTree has no removal by node: the nearest is removal by key.
-void GTree_RemoveAt(benchmark::State &state) {
+void GTree_TreeRemoveAt(benchmark::State &state) {
     for (auto _ : state) {
         state.PauseTiming();
         GTree *t = gtree_filled();
@@ -247,14 +247,14 @@ template <class Less> void Set_RemoveAt(benchmark::State &state) {
     state.SetItemsProcessed(state.iterations() * kItems);
 }
 
-void StdMultisetFn_Insert(benchmark::State &s) { Set_Insert<FnLess>(s); }
-void StdMultisetFn_Lookup(benchmark::State &s) { Set_Lookup<FnLess>(s); }
-void StdMultisetFn_Walk(benchmark::State &s) { Set_Walk<FnLess>(s); }
-void StdMultisetFn_RemoveAt(benchmark::State &s) { Set_RemoveAt<FnLess>(s); }
-void StdMultisetInl_Insert(benchmark::State &s) { Set_Insert<InlineLess>(s); }
-void StdMultisetInl_Lookup(benchmark::State &s) { Set_Lookup<InlineLess>(s); }
-void StdMultisetInl_Walk(benchmark::State &s) { Set_Walk<InlineLess>(s); }
-void StdMultisetInl_RemoveAt(benchmark::State &s) { Set_RemoveAt<InlineLess>(s); }
+void StdMultisetFn_TreeInsert(benchmark::State &s) { Set_Insert<FnLess>(s); }
+void StdMultisetFn_TreeLookup(benchmark::State &s) { Set_Lookup<FnLess>(s); }
+void StdMultisetFn_TreeWalk(benchmark::State &s) { Set_Walk<FnLess>(s); }
+void StdMultisetFn_TreeRemoveAt(benchmark::State &s) { Set_RemoveAt<FnLess>(s); }
+void StdMultisetInl_TreeInsert(benchmark::State &s) { Set_Insert<InlineLess>(s); }
+void StdMultisetInl_TreeLookup(benchmark::State &s) { Set_Lookup<InlineLess>(s); }
+void StdMultisetInl_TreeWalk(benchmark::State &s) { Set_Walk<InlineLess>(s); }
+void StdMultisetInl_TreeRemoveAt(benchmark::State &s) { Set_RemoveAt<InlineLess>(s); }
 
 // ---- BSD red-black tree ----
 struct RbNode {
@@ -290,7 +290,7 @@ void rb_fill(RbTree *h, std::vector<RbNode *> *pos = nullptr) {
     }
 }
 
-void BsdRb_Insert(benchmark::State &state) {
+void BsdRb_TreeInsert(benchmark::State &state) {
     for (auto _ : state) {
         const int64_t before = vorn_bench::heap_bytes();
         RbTree h;
@@ -303,7 +303,7 @@ void BsdRb_Insert(benchmark::State &state) {
     state.SetItemsProcessed(state.iterations() * kItems);
 }
 
-void BsdRb_Lookup(benchmark::State &state) {
+void BsdRb_TreeLookup(benchmark::State &state) {
     RbTree h;
     rb_fill(&h);
     for (auto _ : state) {
@@ -319,7 +319,7 @@ void BsdRb_Lookup(benchmark::State &state) {
     state.SetItemsProcessed(state.iterations() * kItems);
 }
 
-void BsdRb_Walk(benchmark::State &state) {
+void BsdRb_TreeWalk(benchmark::State &state) {
     RbTree h;
     rb_fill(&h);
     for (auto _ : state) {
@@ -332,7 +332,7 @@ void BsdRb_Walk(benchmark::State &state) {
     state.SetItemsProcessed(state.iterations() * kItems);
 }
 
-void BsdRb_RemoveAt(benchmark::State &state) {
+void BsdRb_TreeRemoveAt(benchmark::State &state) {
     std::vector<RbNode *> pos;
     pos.reserve(kItems);
     for (auto _ : state) {
@@ -352,24 +352,24 @@ void BsdRb_RemoveAt(benchmark::State &state) {
 }  // namespace
 
 #define VORN_TREE_BENCH(name) BENCHMARK(name)->Unit(benchmark::kMillisecond)
-VORN_TREE_BENCH(GT_Insert);
-VORN_TREE_BENCH(GTree_Insert);
-VORN_TREE_BENCH(StdMultisetFn_Insert);
-VORN_TREE_BENCH(StdMultisetInl_Insert);
-VORN_TREE_BENCH(BsdRb_Insert);
-VORN_TREE_BENCH(GT_Lookup);
-VORN_TREE_BENCH(GTree_Lookup);
-VORN_TREE_BENCH(StdMultisetFn_Lookup);
-VORN_TREE_BENCH(StdMultisetInl_Lookup);
-VORN_TREE_BENCH(BsdRb_Lookup);
-VORN_TREE_BENCH(GT_Walk);
-VORN_TREE_BENCH(GT_WalkLinks);
-VORN_TREE_BENCH(GTree_Walk);
-VORN_TREE_BENCH(StdMultisetFn_Walk);
-VORN_TREE_BENCH(StdMultisetInl_Walk);
-VORN_TREE_BENCH(BsdRb_Walk);
-VORN_TREE_BENCH(GT_RemoveAt);
-VORN_TREE_BENCH(GTree_RemoveAt);
-VORN_TREE_BENCH(StdMultisetFn_RemoveAt);
-VORN_TREE_BENCH(StdMultisetInl_RemoveAt);
-VORN_TREE_BENCH(BsdRb_RemoveAt);
+VORN_TREE_BENCH(GT_TreeInsert);
+VORN_TREE_BENCH(GTree_TreeInsert);
+VORN_TREE_BENCH(StdMultisetFn_TreeInsert);
+VORN_TREE_BENCH(StdMultisetInl_TreeInsert);
+VORN_TREE_BENCH(BsdRb_TreeInsert);
+VORN_TREE_BENCH(GT_TreeLookup);
+VORN_TREE_BENCH(GTree_TreeLookup);
+VORN_TREE_BENCH(StdMultisetFn_TreeLookup);
+VORN_TREE_BENCH(StdMultisetInl_TreeLookup);
+VORN_TREE_BENCH(BsdRb_TreeLookup);
+VORN_TREE_BENCH(GT_TreeWalk);
+VORN_TREE_BENCH(GT_TreeWalkLinks);
+VORN_TREE_BENCH(GTree_TreeWalk);
+VORN_TREE_BENCH(StdMultisetFn_TreeWalk);
+VORN_TREE_BENCH(StdMultisetInl_TreeWalk);
+VORN_TREE_BENCH(BsdRb_TreeWalk);
+VORN_TREE_BENCH(GT_TreeRemoveAt);
+VORN_TREE_BENCH(GTree_TreeRemoveAt);
+VORN_TREE_BENCH(StdMultisetFn_TreeRemoveAt);
+VORN_TREE_BENCH(StdMultisetInl_TreeRemoveAt);
+VORN_TREE_BENCH(BsdRb_TreeRemoveAt);
