@@ -35,8 +35,8 @@ def main(src, md_out, svg_out):
 
     lines = ["# Benchmark results", "",
              f"Machine: {ctx.get('num_cpus', '?')} CPUs at {ctx.get('mhz_per_cpu', '?')} MHz, "
-             f"{ctx.get('host_name', '')}, {ctx.get('date', '')}; library build "
-             f"{ctx.get('library_build_type', '?')}.", "",
+             f"{ctx.get('host_name', '')}, {ctx.get('date', '')}; vorn_container built Release "
+             f"(Google Benchmark's own library: {ctx.get('library_build_type', '?')} build).", "",
              "Time per item (ns, lower is better), or MB/s for the text form (higher is better); "
              "ratio = peer time / our time (above 1: ours is faster).", "",
              "| Operation | Contender | ns/item | MB/s | bytes/item | ratio |",
