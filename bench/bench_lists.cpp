@@ -1,9 +1,10 @@
 // Lists of 1,000,000 words: append, walk, insert after a held position and
-// remove from the front.  GL (and EL when present) against GQueue, std::list
+// remove from the front.  GL and EL (a word-sized element) against GQueue, std::list
 // and BSD TAILQ.
 #include <bsd/sys/queue.h>
 #include <glib.h>
 
+#include <cstring>
 #include <list>
 
 #include "bench_common.hpp"
@@ -69,7 +70,7 @@ void GL_RemoveFront(benchmark::State &state) {
     state.SetItemsProcessed(state.iterations() * kItems);
 }
 
-// ---- GQueue ----
+// ---- GL, walking the links ----
 // The links are public: a host may also walk them directly, as GQueue's
 // users do.
 void GL_WalkLinks(benchmark::State &state) {
@@ -84,6 +85,91 @@ void GL_WalkLinks(benchmark::State &state) {
     state.SetItemsProcessed(state.iterations() * kItems);
 }
 
+
+// ---- EL: the element (a word here) lies in the node itself ----
+void EL_Append(benchmark::State &state) {
+    for (auto _ : state) {
+        const int64_t before = MM_bytes_in_use();
+        EL_list *l = EL_create(sizeof(void *));
+        for (int64_t i = 0; i < kItems; ++i) {
+            void *w = word(i);
+            EL_append_after_last(l, &w);
+        }
+        state.PauseTiming();
+        vorn_bench::report_mm_bytes(state, before, kItems);
+        EL_release(&l);
+        state.ResumeTiming();
+    }
+    state.SetItemsProcessed(state.iterations() * kItems);
+}
+
+EL_list *el_filled() {
+    EL_list *l = EL_create(sizeof(void *));
+    for (int64_t i = 0; i < kItems; ++i) {
+        void *w = word(i);
+        EL_append_after_last(l, &w);
+    }
+    return l;
+}
+
+void EL_Walk(benchmark::State &state) {
+    EL_list *l = el_filled();
+    for (auto _ : state) {
+        uintptr_t sum = 0;
+        EL_iter it = EL_all_items(l);
+        void *e;
+        while (EL_next_item(&it, &e)) sum += *static_cast<uintptr_t *>(e);
+        benchmark::DoNotOptimize(sum);
+    }
+    EL_release(&l);
+    state.SetItemsProcessed(state.iterations() * kItems);
+}
+
+void EL_WalkLinks(benchmark::State &state) {
+    EL_list *l = el_filled();
+    for (auto _ : state) {
+        uintptr_t sum = 0;
+        for (EL_node *n = l->first; n; n = n->next) {
+            uintptr_t w;
+            memcpy(&w, n->item, sizeof w);
+            sum += w;
+        }
+        benchmark::DoNotOptimize(sum);
+    }
+    EL_release(&l);
+    state.SetItemsProcessed(state.iterations() * kItems);
+}
+
+void EL_InsertAfterHeld(benchmark::State &state) {
+    for (auto _ : state) {
+        EL_list *l = EL_create(sizeof(void *));
+        void *w0 = word(0);
+        EL_node *held = EL_append_after_last(l, &w0);
+        for (int64_t i = 0; i < kItems; ++i) {
+            void *w = word(i);
+            EL_insert_after(l, held, &w);
+        }
+        state.PauseTiming();
+        EL_release(&l);
+        state.ResumeTiming();
+    }
+    state.SetItemsProcessed(state.iterations() * kItems);
+}
+
+void EL_RemoveFront(benchmark::State &state) {
+    for (auto _ : state) {
+        state.PauseTiming();
+        EL_list *l = el_filled();
+        state.ResumeTiming();
+        while (l->first) EL_remove_item(l, l->first);
+        state.PauseTiming();
+        EL_release(&l);
+        state.ResumeTiming();
+    }
+    state.SetItemsProcessed(state.iterations() * kItems);
+}
+
+// ---- GQueue ----
 void GQueue_Append(benchmark::State &state) {
     for (auto _ : state) {
         const int64_t before = vorn_bench::heap_bytes();
@@ -278,19 +364,24 @@ void Tailq_RemoveFront(benchmark::State &state) {
 
 #define VORN_LIST_BENCH(name) BENCHMARK(name)->Unit(benchmark::kMillisecond)
 VORN_LIST_BENCH(GL_Append);
+VORN_LIST_BENCH(EL_Append);
 VORN_LIST_BENCH(GQueue_Append);
 VORN_LIST_BENCH(StdList_Append);
 VORN_LIST_BENCH(Tailq_Append);
 VORN_LIST_BENCH(GL_Walk);
+VORN_LIST_BENCH(EL_Walk);
 VORN_LIST_BENCH(GL_WalkLinks);
+VORN_LIST_BENCH(EL_WalkLinks);
 VORN_LIST_BENCH(GQueue_Walk);
 VORN_LIST_BENCH(StdList_Walk);
 VORN_LIST_BENCH(Tailq_Walk);
 VORN_LIST_BENCH(GL_InsertAfterHeld);
+VORN_LIST_BENCH(EL_InsertAfterHeld);
 VORN_LIST_BENCH(GQueue_InsertAfterHeld);
 VORN_LIST_BENCH(StdList_InsertAfterHeld);
 VORN_LIST_BENCH(Tailq_InsertAfterHeld);
 VORN_LIST_BENCH(GL_RemoveFront);
+VORN_LIST_BENCH(EL_RemoveFront);
 VORN_LIST_BENCH(GQueue_RemoveFront);
 VORN_LIST_BENCH(StdList_RemoveFront);
 VORN_LIST_BENCH(Tailq_RemoveFront);

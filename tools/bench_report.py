@@ -4,7 +4,7 @@
 Benchmarks are named Contender_Operation; contenders whose name starts with
 one of our family prefixes are ours.  For each operation the table gives the
 time per item of every contender and each peer's time divided by ours (above
-1: we are faster), and bytes per item where measured.
+1: we are faster; one ratio per contender of ours when there are several), and bytes per item where measured.
 """
 import json
 import sys
@@ -35,24 +35,28 @@ def main(src, md_out, svg_out):
 
     lines = ["# Benchmark results", "",
              f"Machine: {ctx.get('num_cpus', '?')} CPUs at {ctx.get('mhz_per_cpu', '?')} MHz, "
-             f"{ctx.get('host_name', '')}, {ctx.get('date', '')}; library build "
-             f"{ctx.get('library_build_type', '?')}.", "",
+             f"{ctx.get('host_name', '')}, {ctx.get('date', '')}; vorn_container built Release "
+             f"(Google Benchmark's own library: {ctx.get('library_build_type', '?')} build).", "",
              "Time per item (ns, lower is better), or MB/s for the text form (higher is better); "
              "ratio = peer time / our time (above 1: ours is faster).", "",
              "| Operation | Contender | ns/item | MB/s | bytes/item | ratio |",
              "|---|---|---:|---:|---:|---:|"]
     bars = []
     for op, cs in ops.items():
-        ours = next((v for v in cs.values() if v["ours"]), None)
+        ours_all = [(c, v) for c, v in cs.items() if v["ours"]]
         for c, v in cs.items():
-            ratio = ""
-            if ours and not v["ours"]:
-                if v["ns"] and ours["ns"]:
-                    ratio = f"{v['ns'] / ours['ns']:.2f}"
-                elif v["mbs"] and ours["mbs"]:
-                    ratio = f"{ours['mbs'] / v['mbs']:.2f}"
-                if ratio:
-                    bars.append((f"{op}: vs {c}", float(ratio)))
+            ratios = []
+            if not v["ours"]:
+                for oc, ov in ours_all:
+                    r = None
+                    if v["ns"] and ov["ns"]:
+                        r = v["ns"] / ov["ns"]
+                    elif v["mbs"] and ov["mbs"]:
+                        r = ov["mbs"] / v["mbs"]
+                    if r is not None:
+                        ratios.append(f"{r:.2f}" + (f" ({oc})" if len(ours_all) > 1 else ""))
+                        bars.append((f"{op}: {oc} vs {c}", r))
+            ratio = " / ".join(ratios)
             fmt = lambda x, f: (f % x) if x is not None else ""
             lines.append(f"| {op} | {'**' + c + '**' if v['ours'] else c} | "
                          f"{fmt(v['ns'], '%.2f')} | {fmt(v['mbs'], '%.1f')} | "
