@@ -1,12 +1,15 @@
-// What the tests share: catching raises as C++ exceptions, and a fixture
-// that checks every MM_ block taken during a test is given back.
+// What the tests share: catching raises as C++ exceptions, a fixture that
+// checks every MM_ block taken during a test is given back, and Tprintf capture.
 #pragma once
 
 #include <gtest/gtest.h>
 
+#include <cstdarg>
 #include <cstdint>
+#include <cstdio>
 #include <optional>
 #include <string>
+#include <utility>
 
 #include "vorn_container.h"
 
@@ -70,6 +73,36 @@ private:
     int64_t blocks_ = 0;
     int64_t bytes_ = 0;
 };
+
+inline std::string g_printed;
+inline int capture_printf(const char *format, ...) {
+    char buf[512];
+    va_list ap;
+    va_start(ap, format);
+    const int n = std::vsnprintf(buf, sizeof buf, format, ap);
+    va_end(ap);
+    g_printed += buf;
+    return n;
+}
+
+// Sends Tprintf into g_printed while it lives; take() gives what came so far.
+struct Capture {
+    int (*before)(const char *, ...) = Tprintf;
+    Capture() {
+        g_printed.clear();
+        Tprintf = capture_printf;
+    }
+    ~Capture() { Tprintf = before; }
+    std::string take() { return std::exchange(g_printed, std::string()); }
+};
+
+// What f prints through Tprintf.
+template <class F>
+std::string printed(F &&f) {
+    Capture c;
+    f();
+    return c.take();
+}
 
 // Small deterministic generator for the randomized tests (seeded per test so
 // that a failure repeats).

@@ -2,7 +2,6 @@
 // checked mode and the system colour stand-in.
 #include <algorithm>
 #include <atomic>
-#include <cstdarg>
 #include <cstring>
 #include <mutex>
 #include <string>
@@ -61,23 +60,8 @@ TEST(Base, RaiseHandlerAndDefaultMessage) {
     EXPECT_DEATH(EX_raise_exception_line("plut", 85, 4397), "vorn_container: raised plut line 85 code 4397");
 }
 
-std::string g_printed;
-int capture(const char *format, ...) {
-    char buf[256];
-    va_list ap;
-    va_start(ap, format);
-    const int n = std::vsnprintf(buf, sizeof buf, format, ap);
-    va_end(ap);
-    g_printed += buf;
-    return n;
-}
-
 TEST(Base, TprintfIsReadAtEveryUseAndSysColoursAreTheDefaults) {
-    auto before = Tprintf;
-    Tprintf = capture;
-    Tprintf("%d-%s", 7, "x");
-    Tprintf = before;
-    EXPECT_EQ(g_printed, "7-x");
+    EXPECT_EQ(vorn_test::printed([] { Tprintf("%d-%s", 7, "x"); }), "7-x");
     debug_break();  // comes back
 #if !defined(_WIN32)  // on Windows the system's own GetSysColor answers
     EXPECT_EQ(GetSysColor(15), 0x00F0F0F0u);
