@@ -10,6 +10,7 @@
 #include <optional>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "vorn_container.h"
 
@@ -102,6 +103,21 @@ std::string printed(F &&f) {
     Capture c;
     f();
     return c.take();
+}
+
+// The ends, count and links of a doubly linked list (a ring when `closed`)
+// against the reference order of its nodes.
+template <class N>
+void expect_links(const void *first, const void *last, int32_t count, bool closed,
+                  const std::vector<N *> &ref) {
+    const size_t n = ref.size();
+    ASSERT_EQ(count, static_cast<int32_t>(n));
+    ASSERT_EQ(first, n ? ref.front() : nullptr);
+    ASSERT_EQ(last, n ? ref.back() : nullptr);
+    for (size_t i = 0; i < n; ++i) {
+        ASSERT_EQ(ref[i]->prev, i ? ref[i - 1] : (closed ? ref[n - 1] : nullptr)) << i;
+        ASSERT_EQ(ref[i]->next, i + 1 < n ? ref[i + 1] : (closed ? ref[0] : nullptr)) << i;
+    }
 }
 
 // Small deterministic generator for the randomized tests (seeded per test so

@@ -44,20 +44,10 @@ using Ref = std::vector<Item>;
 void expect_list(EL_list *l, const Ref &ref, bool closed) {
     ASSERT_EQ(l->item_size, kSize);
     ASSERT_EQ(l->closed, closed ? 1 : 0);
-    ASSERT_EQ(l->count, static_cast<int32_t>(ref.size()));
-    if (ref.empty()) {
-        ASSERT_EQ(l->first, nullptr);
-        ASSERT_EQ(l->last, nullptr);
-        return;
-    }
-    const size_t n = ref.size();
-    ASSERT_EQ(l->first, ref.front().n);
-    ASSERT_EQ(l->last, ref.back().n);
-    for (size_t i = 0; i < n; ++i) {
-        ASSERT_EQ(ref[i].n->prev, i ? ref[i - 1].n : (closed ? ref[n - 1].n : nullptr)) << i;
-        ASSERT_EQ(ref[i].n->next, i + 1 < n ? ref[i + 1].n : (closed ? ref[0].n : nullptr)) << i;
-        ASSERT_EQ(value_of(ref[i].n->item), ref[i].v) << i;
-    }
+    std::vector<EL_node *> nodes;
+    for (const Item &it : ref) nodes.push_back(it.n);
+    vorn_test::expect_links(l->first, l->last, l->count, closed, nodes);
+    for (size_t i = 0; i < ref.size(); ++i) ASSERT_EQ(value_of(ref[i].n->item), ref[i].v) << i;
 }
 
 std::vector<int32_t> values(EL_list *l) {

@@ -12,23 +12,9 @@ using vorn_test::Rng;
 
 void *word(uintptr_t v) { return reinterpret_cast<void *>(v); }
 
-// Links, count and both directions of the list against the reference order.
 void expect_list(GL_list *l, const std::vector<GL_node *> &ref) {
-    ASSERT_EQ(l->count, static_cast<int32_t>(ref.size()));
     ASSERT_EQ(GL_count_items(l), l->count);
-    if (ref.empty()) {
-        ASSERT_EQ(l->first, nullptr);
-        ASSERT_EQ(l->last, nullptr);
-        return;
-    }
-    ASSERT_EQ(l->first, ref.front());
-    ASSERT_EQ(l->last, ref.back());
-    ASSERT_EQ(l->first->prev, nullptr);
-    ASSERT_EQ(l->last->next, nullptr);
-    for (size_t i = 0; i < ref.size(); ++i) {
-        ASSERT_EQ(ref[i]->prev, i ? ref[i - 1] : nullptr);
-        ASSERT_EQ(ref[i]->next, i + 1 < ref.size() ? ref[i + 1] : nullptr);
-    }
+    vorn_test::expect_links(l->first, l->last, l->count, false, ref);
 }
 
 std::vector<GL_node *> positions(GL_list *l) {

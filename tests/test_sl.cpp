@@ -17,22 +17,9 @@ struct Rec {
     int32_t value;
 };
 
-// Links of every record, count and ends against the reference order.
 void expect_list(SL_list *l, const std::vector<Rec *> &ref) {
-    ASSERT_EQ(l->count, static_cast<int32_t>(ref.size()));
     ASSERT_EQ(SL_count_items(l), l->count);
-    if (ref.empty()) {
-        ASSERT_EQ(l->first, nullptr);
-        ASSERT_EQ(l->last, nullptr);
-        return;
-    }
-    const size_t n = ref.size();
-    ASSERT_EQ(l->first, ref.front());
-    ASSERT_EQ(l->last, ref.back());
-    for (size_t i = 0; i < n; ++i) {
-        ASSERT_EQ(ref[i]->prev, i ? ref[i - 1] : (l->closed ? ref[n - 1] : nullptr)) << i;
-        ASSERT_EQ(ref[i]->next, i + 1 < n ? ref[i + 1] : (l->closed ? ref[0] : nullptr)) << i;
-    }
+    vorn_test::expect_links(l->first, l->last, l->count, l->closed, ref);
 }
 
 int32_t value_of(void *r) { return static_cast<Rec *>(r)->value; }
