@@ -1,9 +1,8 @@
-// What the GT tests share: keyed items, Tprintf capture, the leak report and
+// What the GT tests share: keyed items, the leak report and
 // the invariant checker.
 #pragma once
 
 #include <cmath>
-#include <cstdarg>
 #include <cstdio>
 #include <string>
 #include <vector>
@@ -21,27 +20,7 @@ inline int32_t key_of(void *item) { return static_cast<Item *>(item)->key; }
 inline int32_t by_key(void *a, void *b) { return key_of(a) - key_of(b); }
 inline int32_t even_key(void *item) { return key_of(item) % 2 == 0; }
 
-inline std::string captured;
-inline int capture_printf(const char *format, ...) {
-    char buf[256];
-    va_list args;
-    va_start(args, format);
-    const int n = std::vsnprintf(buf, sizeof buf, format, args);
-    va_end(args);
-    captured += buf;
-    return n;
-}
-
-// What f prints through Tprintf.
-template <class F>
-std::string printed(F f) {
-    int (*before)(const char *, ...) = Tprintf;
-    captured.clear();
-    Tprintf = capture_printf;
-    f();
-    Tprintf = before;
-    return captured;
-}
+using vorn_test::printed;
 
 // The text of GT_check for these counters.
 inline std::string leaks(int trees, int items, int iters) {

@@ -1,12 +1,16 @@
-// What the tests share: catching raises as C++ exceptions, and a fixture
-// that checks every MM_ block taken during a test is given back.
+// What the tests share: catching raises as C++ exceptions, a fixture that
+// checks every MM_ block taken during a test is given back, and Tprintf capture.
 #pragma once
 
 #include <gtest/gtest.h>
 
+#include <cstdarg>
 #include <cstdint>
+#include <cstdio>
 #include <optional>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "vorn_container.h"
 
@@ -70,6 +74,51 @@ private:
     int64_t blocks_ = 0;
     int64_t bytes_ = 0;
 };
+
+inline std::string g_printed;
+inline int capture_printf(const char *format, ...) {
+    char buf[512];
+    va_list ap;
+    va_start(ap, format);
+    const int n = std::vsnprintf(buf, sizeof buf, format, ap);
+    va_end(ap);
+    g_printed += buf;
+    return n;
+}
+
+// Sends Tprintf into g_printed while it lives; take() gives what came so far.
+struct Capture {
+    int (*before)(const char *, ...) = Tprintf;
+    Capture() {
+        g_printed.clear();
+        Tprintf = capture_printf;
+    }
+    ~Capture() { Tprintf = before; }
+    std::string take() { return std::exchange(g_printed, std::string()); }
+};
+
+// What f prints through Tprintf.
+template <class F>
+std::string printed(F &&f) {
+    Capture c;
+    f();
+    return c.take();
+}
+
+// The ends, count and links of a doubly linked list (a ring when `closed`)
+// against the reference order of its nodes.
+template <class N>
+void expect_links(const void *first, const void *last, int32_t count, bool closed,
+                  const std::vector<N *> &ref) {
+    const size_t n = ref.size();
+    ASSERT_EQ(count, static_cast<int32_t>(n));
+    ASSERT_EQ(first, n ? ref.front() : nullptr);
+    ASSERT_EQ(last, n ? ref.back() : nullptr);
+    for (size_t i = 0; i < n; ++i) {
+        ASSERT_EQ(ref[i]->prev, i ? ref[i - 1] : (closed ? ref[n - 1] : nullptr)) << i;
+        ASSERT_EQ(ref[i]->next, i + 1 < n ? ref[i + 1] : (closed ? ref[0] : nullptr)) << i;
+    }
+}
 
 // Small deterministic generator for the randomized tests (seeded per test so
 // that a failure repeats).

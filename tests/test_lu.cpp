@@ -38,9 +38,7 @@ TEST_F(Lu, NewLookupAndNullArguments) {
     EXPECT_EQ(vorn_lu_find(lu, w(1)), nullptr);
     EXPECT_TRUE(applied().empty());
     EXPECT_EQ(vorn_lu_find(nullptr, w(1)), nullptr);
-    vorn_lu_apply(nullptr, record_value);
-    vorn_lu_apply(lu, nullptr);
-    vorn_lu_release(nullptr, nullptr);
+    vorn_lu_apply(nullptr, record_value), vorn_lu_apply(lu, nullptr), vorn_lu_release(nullptr, nullptr);
 }
 
 TEST_F(Lu, LastEntryStaysInTheSlotUntilTheNextAdd) {

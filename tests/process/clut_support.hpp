@@ -1,12 +1,10 @@
-// What the colour table tests share: capturing Tprintf, the statistics text
+// What the colour table tests share: the statistics text
 // and the 44 colour writes of start-up.  Each test runs in a process of its
 // own, since the table starts once per process.
 #pragma once
 
-#include <cstdarg>
 #include <cstdio>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "support.hpp"
@@ -17,28 +15,7 @@
 
 namespace clut_test {
 
-inline std::string g_printed;
-
-inline int capture(const char *format, ...) {
-    char buf[256];
-    va_list ap;
-    va_start(ap, format);
-    const int n = std::vsnprintf(buf, sizeof buf, format, ap);
-    va_end(ap);
-    g_printed += buf;
-    return n;
-}
-
-// Sends Tprintf into g_printed while it lives.
-struct Capture {
-    int (*before)(const char *, ...) = Tprintf;
-    Capture() {
-        g_printed.clear();
-        Tprintf = capture;
-    }
-    ~Capture() { Tprintf = before; }
-    std::string take() { return std::exchange(g_printed, std::string()); }
-};
+using vorn_test::Capture;
 
 inline std::string statistics_text(int size, int first_free, int free, int hard, int dynamic) {
     char buf[256];

@@ -33,23 +33,6 @@ TEST(ClutStartup, CallbackHearsFortyFourWritesInOrder) {
     }
     EXPECT_EQ(statistics(), statistics_text(256, 34, 222, 34, 0));
 
-    // Every named word holds its index, and the entry its final colour.
-    int32_t *const named[] = {
-        &GE_WHITE, &GE_CLEAR, &GE_BLACK, &GE_OBJ_SELECTABLE, &GE_OBJ_RED_SELECTED,
-        &GE_OBJ_GREEN_SELECTED, &GE_OBJ_BLUE_SELECTED, &GE_OBJ_LOCKED, &GE_OBJ_CLIPMASK,
-        &GE_OBJ_CROSSHAIR_GUIDES, &GE_OBJ_NOTES, &GE_OBJ_PAGE, &GE_OBJ_MARKUP, &GE_OBJ_GRIDS,
-        &GE_GRAY, &GE_LGRAY, &GE_YELLOW, &GE_DRKGRAY, &GE_BLUE, &GE_RED, &GE_LRED, &GE_GREEN,
-        &GE_CYAN, &GE_MAG, &GE_DRKGREEN, &GE_DRKMAG, &GE_DRKBLU, &GE_SYS32, &GE_GRAY144,
-        &GE_GRAY164, &GE_DRKCYAN, &GE_SELECTION_BLUE, &GE_WINDOWS_COLOR_HIGHLIGHT,
-        &GE_WINDOWS_COLOR_HIGHLIGHTTEXT};
-    std::vector<Write> final_colour(34, Write{0, 0, 0, 0});
-    for (const Write &w : want) final_colour[w.index] = w;  // the last write wins
-    for (int32_t i = 0; i < 34; ++i) {
-        EXPECT_EQ(*named[i], i);
-        Write got{i, 0, 0, 0};
-        EXPECT_EQ(CLUT_get(i, &got.r, &got.g, &got.b), 1);
-        EXPECT_EQ(got, (Write{i, final_colour[i].r, final_colour[i].g, final_colour[i].b}));
-    }
 }
 
 TEST(ClutStartup, DefaultTableIsSilentAndNamesTheLowestMatches) {

@@ -57,15 +57,10 @@ TEST(ClutTable, IndexStatesFollowTheirTransitions) {
         {"alloc free, window open", alloc(40), 0, 0, 34, 35, 0},
         {"alloc hard", alloc(40), 245, 0, 34, 35, 0},
         {"alloc beyond the table", alloc(64), 245, 0, 34, 35, 0},
-        {"alloc negative", alloc(-1), 245, 0, 34, 35, 0},
         {"set free makes it hard", set(41), 0, 0, 34, 36, 0},
-        {"set hard again", set(41), 0, 0, 34, 36, 0},
         {"release hard", release(41), 309, 0, 34, 36, 0},
         {"set beyond", set(64), 256, 0, 34, 36, 0},
-        {"set negative", set(-2), 256, 0, 34, 36, 0},
         {"copy to free", copy(42, 2), 366, 0, 34, 36, 0},
-        {"copy from free", copy(2, 42), 366, 0, 34, 36, 0},
-        {"copy beyond", copy(64, 2), 365, 0, 34, 36, 0},
         {"copy from negative", copy(2, -3), 365, 0, 34, 36, 0},
         {"copy hard to hard", copy(41, 19), 0, 0, 34, 36, 0},
         {"first new index", fresh, 0, 34, 35, 36, 1},
@@ -87,8 +82,6 @@ TEST(ClutTable, IndexStatesFollowTheirTransitions) {
         {"then the next free", fresh, 0, 38, 39, 36, 7},
         {"release GE_GREEN: nothing", release(21), 0, 0, 39, 36, 7},
         {"release free", release(50), 309, 0, 39, 36, 7},
-        {"release beyond", release(64), 309, 0, 39, 36, 7},
-        {"release negative", release(-1), 309, 0, 39, 36, 7},
         {"get beyond", get(64), 0, 0, 39, 36, 7},
         {"get free", get(50), 0, 1, 39, 36, 7},
     };
@@ -189,9 +182,7 @@ INSTANTIATE_TEST_SUITE_P(Levels, ClutDebug,
 TEST(ClutTable, SetRgbScalesTruncatesAndKeepsLow16Bits) {
     RGBLUT_init(0, nullptr);
     const std::pair<float, int16_t> cases[] = {
-        {1.0f, 255},   {0.5f, 127},    {0.999f, 254},   {0.0f, 0},
-        {-1.0f, -255}, {2.0f, 510},    {300.0f, 10964},  // 76500 - 65536
-        {257.0f, -1},  {1e12f, 0},     {std::nanf(""), 0}};
+        {0.5f, 127}, {-1.0f, -255}, {300.0f, 10964} /* 76500 - 65536 */, {1e12f, 0}, {std::nanf(""), 0}};
     for (const auto &[unit, want] : cases) {
         CLUT_set_RGB(GE_SYS32, unit, 0.0f, unit);
         CLUT_get(GE_SYS32, &g_r, &g_g, &g_b);
