@@ -59,18 +59,24 @@ inline void copy_bytes(void *to, const void *from, std::size_t n) {
 // increment, division toward zero), if that exceeds the present capacity.
 // The added bytes are zeroed.  On failure `data` is left null and the
 // counts keep their values, then the failure is raised.
-[[gnu::noinline]] void extend(DA_array *a, int32_t count) {
+// Growth without the raise: false when no block was obtained.
+bool grow(DA_array *a, int32_t count) {
     const int64_t step = a->increment;
     // 64-bit arithmetic: the result is the 32-bit rule for every count whose
     // capacity fits, and no count can overflow on the way.
     const auto wanted = static_cast<int32_t>(((int64_t{count} - 1) / step + 1) * step);
-    if (wanted <= a->nalloc) return;
+    if (wanted <= a->nalloc) return true;
     const std::size_t had = a->data ? bytes_of(a->nalloc, a->item_size) : 0;
     const std::size_t want = bytes_of(wanted, a->item_size);
     a->data = a->data ? MM_realloc_item(a->data, had, want) : MM_alloc_item(want);
-    if (!a->data) vorn::raise(kFile, kLineExtend, vorn::kNoMemory);
+    if (!a->data) return false;
     std::memset(block(a) + had, 0, want - had);
     a->nalloc = wanted;
+    return true;
+}
+
+[[gnu::noinline]] void extend(DA_array *a, int32_t count) {
+    if (!grow(a, count)) vorn::raise(kFile, kLineExtend, vorn::kNoMemory);
 }
 
 inline void ensure(DA_array *a, int64_t needed) {
@@ -249,6 +255,12 @@ char *DA_string(DA_array *array) {
 
 DA_array *DA_copy(DA_array *array) {
     DA_array *copy = new_array(array->item_size, array->increment, kLineCopy);
+    // A block that cannot be had takes the new record with it, so that the
+    // raise leaves nothing allocated.
+    if (array->nitems > 0 && !grow(copy, array->nitems)) {
+        vorn::free_record(copy);
+        vorn::raise(kFile, kLineExtend, vorn::kNoMemory);
+    }
     take_items(copy, array);
     return copy;
 }
