@@ -18,7 +18,9 @@ namespace {
 
 constexpr char kOpening[] = "DICT{";
 constexpr std::size_t kOpeningLength = sizeof kOpening - 1;
-constexpr std::size_t kMaxNumberToken = 255;
+// The longest number the writer produces is -DBL_MAX in "%lf": 309 digits,
+// the sign and ".000000", 317 bytes; every finite double written reads back.
+constexpr std::size_t kMaxNumberToken = 320;
 // Below this many entries a dictionary is searched by its walk.
 constexpr int32_t kIndexFrom = 16;
 

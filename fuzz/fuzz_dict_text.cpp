@@ -2,8 +2,8 @@
 // to a text that reads to a dictionary writing the very same text again,
 // and every block and malloc'd text must be released.  Two kinds of value
 // are written in a form that the reader does not take back, and the check
-// leaves texts holding them aside: a non-finite double ("inf", "nan") and a
-// double of 248 digits or more, whose token passes the reader's 255 bytes.
+// leaves texts holding them aside: a non-finite double ("inf", "nan"), and
+// (conservatively) any token longer than the reader's 320-byte number limit.
 #include <cstdlib>
 #include <cstring>
 #include <string>
@@ -16,7 +16,7 @@ bool unreadable_number(const char *t) {
     if (std::strstr(t, "inf") || std::strstr(t, "nan")) return true;
     for (size_t run = 0; *t; ++t) {
         run = (*t == ' ' || *t == '\n') ? 0 : run + 1;
-        if (run > 255) return true;
+        if (run > 320) return true;
     }
     return false;
 }

@@ -168,8 +168,9 @@ VORN_API void GENDICT_to_buf(SL_list *dict, char **buf, int32_t *length);
  *  - a key or a string left open by the end of the text gives 0;
  *  - keys of any length are read whole (longer ones than the 255 bytes that
  *    portable writers keep to included);
- *  - a number token of more than 255 bytes cannot be read, so the text
- *    gives 0;
+ *  - a number token of more than 320 bytes cannot be read, so the text
+ *    gives 0 (every finite double the writer produces is shorter; infinite
+ *    and NaN values are written as "inf" and "nan", which do not read back);
  *  - a number token with no digits to convert (a lone minus sign) gives 0 or
  *    0.0 of its kind; an integer beyond the 32-bit range is clamped to
  *    INT32_MIN / INT32_MAX;

@@ -124,7 +124,7 @@ TEST_F(DictText, BothFormsByteForByte) {
 // Every outcome of the reader: 0, or the dictionary it reads, shown by the
 // text it writes back.
 TEST_F(DictText, ReaderOutcomes) {
-    const std::string n255(255, '7'), n256(256, '7'), long_key(3000, 'k');
+    const std::string n255(320, '7'), n256(321, '7'), long_key(3000, 'k');
     struct Row {
         std::string text;
         const char *want;  // null: the reader gives 0

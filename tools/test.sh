@@ -19,4 +19,6 @@ run build/test -DCMAKE_BUILD_TYPE=RelWithDebInfo -DVORN_MM_CHECKED=ON
 echo "== AddressSanitizer + UndefinedBehaviorSanitizer, all tests"
 ASAN_OPTIONS=detect_leaks=1:abort_on_error=1 UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1 \
   run build/asan -DCMAKE_BUILD_TYPE=Debug -DVORN_SANITIZE=address,undefined -DVORN_GTEST_FROM_SOURCE=ON
+echo "== fuzz targets, a short smoke run each (clang, AddressSanitizer + UndefinedBehaviorSanitizer)"
+tools/fuzz.sh 6
 echo "== all tests passed"

@@ -24,7 +24,7 @@ TEST(ClutTable, EveryOperationButStatisticsNeedsTheTable) {
         {351, [] { CLUT_getID(0, 0, 0); }},
         {363, [] { CLUT_copy(3, 2); }},
     };
-    for (const auto &[line, op] : cases) EXPECT_RAISES(op(), "rgblut", line, 4297);
+    for (const auto &c : cases) EXPECT_RAISES(c.second(), "rgblut", c.first, 4297);
     EXPECT_EQ(statistics(), statistics_text(0, 0, 0, 0, 0));
     EXPECT_EQ(GE_GREEN, 0);
     clut_debug = 0;
