@@ -21,4 +21,8 @@ ASAN_OPTIONS=detect_leaks=1:abort_on_error=1 UBSAN_OPTIONS=print_stacktrace=1:ha
   run build/asan -DCMAKE_BUILD_TYPE=Debug -DVORN_SANITIZE=address,undefined -DVORN_GTEST_FROM_SOURCE=ON
 echo "== fuzz targets, a short smoke run each (clang, AddressSanitizer + UndefinedBehaviorSanitizer)"
 tools/fuzz.sh 6
+echo "== ThreadSanitizer: containers of several threads, blocks freed on other threads"
+tools/tsan.sh
+echo "== valgrind memcheck: the whole test binary, every block from malloc"
+tools/valgrind.sh
 echo "== all tests passed"
