@@ -132,7 +132,7 @@ constexpr size_t kGrain = sizeof(void *) < 8 ? sizeof(void *) : 8;  // slot size
 constexpr size_t kMaxSmall = 512;
 constexpr size_t kClasses = kMaxSmall / kGrain + 1;
 constexpr size_t kSpanBytes = 64 * 1024;
-constexpr uint32_t kCacheLimit = 512;   // free slots a thread keeps per class
+[[maybe_unused]] constexpr uint32_t kCacheLimit = 512;  // free slots a thread keeps per class
 constexpr uint32_t kTransfer = 256;     // slots moved at once to the shared list
 
 // A slot of size s (s <= kMaxSmall) belongs to class ceil(s / kGrain); class
@@ -140,7 +140,7 @@ constexpr uint32_t kTransfer = 256;     // slots moved at once to the shared lis
 // the largest power of two (up to 16) that divides its class size, and the
 // size of any type is a multiple of its alignment, so every block is aligned
 // for what fits in it.
-constexpr size_t class_of(size_t size) { return size == 0 ? 1 : (size + kGrain - 1) / kGrain; }
+[[maybe_unused]] constexpr size_t class_of(size_t size) { return size == 0 ? 1 : (size + kGrain - 1) / kGrain; }
 constexpr size_t slot_size(size_t cls) { return cls * kGrain; }
 static_assert(slot_size(1) >= sizeof(void *), "a free slot holds its link");
 
