@@ -28,6 +28,11 @@
 
 #include "vorn_base.h"
 
+#if defined(__linux__)
+#include <sys/mman.h>
+#define VORN_HUGE_PAGES 1
+#endif
+
 #if defined(__GNUC__) && !defined(_WIN32)
 #define VORN_TLS_FAST __attribute__((tls_model("initial-exec")))
 #else
@@ -132,6 +137,7 @@ constexpr size_t kGrain = sizeof(void *) < 8 ? sizeof(void *) : 8;  // slot size
 constexpr size_t kMaxSmall = 512;
 constexpr size_t kClasses = kMaxSmall / kGrain + 1;
 constexpr size_t kSpanBytes = 64 * 1024;
+constexpr size_t kHugePage = size_t{2} << 20;  // the usual huge page of x86-64 and arm64
 [[maybe_unused]] constexpr uint32_t kCacheLimit = 512;  // free slots a thread keeps per class
 constexpr uint32_t kTransfer = 256;     // slots moved at once to the shared list
 
@@ -172,15 +178,64 @@ struct ThreadCache {
     Counters counters;
 };
 
-// A span for slots of one class, aligned to 16 bytes by malloc.  Spans are
-// never given back to the system: their slots circulate through the lists.
-void new_span(Bin &b, size_t cls) {
+// Spans are cut from chunks of kChunkBytes taken from the system and never
+// given back: their slots circulate through the lists.  On Linux a chunk is
+// an anonymous mapping aligned to its size, and every chunk after the first
+// is advised as huge-page memory, so a process with many small blocks walks
+// its lists and trees with few TLB misses while a process with few small
+// blocks never holds a whole huge page for them.
+constexpr size_t kChunkBytes = kHugePage;
+static_assert(kChunkBytes % kSpanBytes == 0);
+
+struct SpanArena {
+    std::mutex mutex;
+    char *next = nullptr;
+    char *end = nullptr;
+    size_t chunks = 0;
+};
+SpanArena &span_arena() {
+    static auto *a = new SpanArena();  // never destroyed
+    return *a;
+}
+
+char *new_chunk(size_t ordinal) {
+#ifdef VORN_HUGE_PAGES
+    // Map twice the size and cut off the unaligned ends.
+    void *raw = mmap(nullptr, 2 * kChunkBytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS,
+                     -1, 0);
+    if (raw == MAP_FAILED) return nullptr;
+    const auto at = reinterpret_cast<uintptr_t>(raw);
+    const auto aligned = (at + kChunkBytes - 1) & ~(kChunkBytes - 1);
+    if (aligned > at) munmap(raw, aligned - at);
+    if (aligned + kChunkBytes < at + 2 * kChunkBytes)
+        munmap(reinterpret_cast<void *>(aligned + kChunkBytes), at + kChunkBytes - aligned);
+    if (ordinal > 0) (void)madvise(reinterpret_cast<void *>(aligned), kChunkBytes, MADV_HUGEPAGE);
+    return reinterpret_cast<char *>(aligned);
+#else
+    (void)ordinal;
+    return static_cast<char *>(std::malloc(kChunkBytes));
+#endif
+}
+
+// A span for slots of one class, aligned to 16 bytes at least.
+[[maybe_unused]] void new_span(Bin &b, size_t cls) {
     const size_t slot = slot_size(cls);
-    const size_t bytes = kSpanBytes - kSpanBytes % slot;
-    char *span = static_cast<char *>(std::malloc(bytes));
-    if (!span) out_of_memory(bytes);
+    char *span;
+    {
+        SpanArena &a = span_arena();
+        std::lock_guard<std::mutex> lock(a.mutex);
+        if (a.next == a.end) {
+            char *chunk = new_chunk(a.chunks);
+            if (!chunk) out_of_memory(kSpanBytes);
+            ++a.chunks;
+            a.next = chunk;
+            a.end = chunk + kChunkBytes;
+        }
+        span = a.next;
+        a.next += kSpanBytes;
+    }
     b.bump = span;
-    b.bump_end = span + bytes;
+    b.bump_end = span + (kSpanBytes - kSpanBytes % slot);
 }
 
 [[maybe_unused]] void refill(Bin &b, size_t cls) {
@@ -284,6 +339,68 @@ inline ThreadCache &cache() {
     return tc ? *tc : *make_cache();
 }
 
+// ---- large blocks ----------------------------------------------------------------------
+
+// Blocks of kHugeMin bytes and more (the arrays of big hash tables, DA and
+// GB blocks) are, on Linux, mappings of their own: aligned to a huge page and
+// advised as huge-page memory, so random access into them costs no TLB miss
+// per 4 KiB page, and resized with mremap, which grows them in place or moves
+// their pages without copying.  Being whole mappings, they never change the
+// advice of memory that the rest of the process gets from malloc.  Smaller
+// large blocks, and all large blocks elsewhere, are malloc blocks.
+constexpr size_t kHugeMin = kHugePage;
+
+#ifdef VORN_HUGE_PAGES
+constexpr size_t kPage = 4096;
+constexpr size_t mapped_length(size_t size) { return (size + kPage - 1) & ~(kPage - 1); }
+
+void *map_huge(size_t size) {
+    const size_t len = mapped_length(size);
+    void *raw = mmap(nullptr, len + kHugePage, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS,
+                     -1, 0);
+    if (raw == MAP_FAILED) return nullptr;
+    const auto at = reinterpret_cast<uintptr_t>(raw);
+    const auto aligned = (at + kHugePage - 1) & ~(kHugePage - 1);
+    if (aligned > at) munmap(raw, aligned - at);
+    const uintptr_t tail = at + len + kHugePage - (aligned + len);
+    if (tail) munmap(reinterpret_cast<void *>(aligned + len), tail);
+    (void)madvise(reinterpret_cast<void *>(aligned), len, MADV_HUGEPAGE);
+    return reinterpret_cast<void *>(aligned);
+}
+
+[[maybe_unused]] void *take_large(size_t size) {
+    return size < kHugeMin ? std::malloc(size) : map_huge(size);
+}
+
+[[maybe_unused]] void give_large(void *block, size_t size) {
+    if (size < kHugeMin)
+        std::free(block);
+    else
+        munmap(block, mapped_length(size));
+}
+
+[[maybe_unused]] void *resize_large(void *block, size_t old_size, size_t new_size) {
+    if (old_size < kHugeMin && new_size < kHugeMin) return std::realloc(block, new_size);
+    if (old_size >= kHugeMin && new_size >= kHugeMin) {
+        void *moved =
+            mremap(block, mapped_length(old_size), mapped_length(new_size), MREMAP_MAYMOVE);
+        return moved == MAP_FAILED ? nullptr : moved;
+    }
+    void *moved = take_large(new_size);
+    if (moved) {
+        std::memcpy(moved, block, old_size < new_size ? old_size : new_size);
+        give_large(block, old_size);
+    }
+    return moved;
+}
+#else
+[[maybe_unused]] void *take_large(size_t size) { return std::malloc(size); }
+[[maybe_unused]] void give_large(void *block, size_t) { std::free(block); }
+[[maybe_unused]] void *resize_large(void *block, size_t, size_t new_size) {
+    return std::realloc(block, new_size);
+}
+#endif
+
 // ---- taking and giving back ----------------------------------------------------------------
 
 #ifdef VORN_MM_SYSTEM
@@ -291,7 +408,7 @@ inline void *take(ThreadCache &, size_t size) { return std::malloc(size ? size :
 inline void give(ThreadCache &, void *block, size_t) { std::free(block); }
 #else
 inline void *take(ThreadCache &tc, size_t size) {
-    if (size > kMaxSmall) return std::malloc(size);
+    if (size > kMaxSmall) return take_large(size);
     const size_t cls = class_of(size);
     Bin &b = tc.bins[cls];
     if (FreeSlot *f = b.head) {
@@ -312,7 +429,7 @@ inline void *take(ThreadCache &tc, size_t size) {
 }
 
 inline void give(ThreadCache &tc, void *block, size_t size) {
-    if (size > kMaxSmall) return std::free(block);
+    if (size > kMaxSmall) return give_large(block, size);
     const size_t cls = class_of(size);
     Bin &b = tc.bins[cls];
     auto *f = static_cast<FreeSlot *>(block);
@@ -346,7 +463,7 @@ void *MM_realloc_item(void *block, size_t old_size, size_t new_size) {
     moved = std::realloc(block, new_size ? new_size : 1);
 #else
     if (old_size > kMaxSmall && new_size > kMaxSmall) {
-        moved = std::realloc(block, new_size);  // the system may grow it in place
+        moved = resize_large(block, old_size, new_size);  // grown in place where possible
     } else if (old_size <= kMaxSmall && new_size <= kMaxSmall &&
                class_of(old_size) == class_of(new_size)) {
         moved = block;  // the slot already fits
