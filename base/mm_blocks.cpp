@@ -4,21 +4,25 @@
 // no header, so small blocks come from size-class slabs: a block of class c
 // is one slot of c bytes in a 64 KiB span, and a free slot holds nothing but
 // the link to the next free slot.  Each thread keeps a cache of free slots
-// per class in front of the shared lists; taking and giving back a small
+// per class in front of the shared level; taking and giving back a small
 // block is a pointer pop or push on the calling thread.  A block may be
 // released on another thread than the one that took it: it simply joins the
-// releasing thread's cache.  Blocks above kMaxSmall bytes go to the system
-// allocator, so that resizing a large block can grow it in place.
+// releasing thread's cache.  The shared level keeps free slots on their own
+// spans, so that a thread refills with neighbours in memory.  Blocks above
+// kMaxSmall bytes go to the system; those of 2 MiB and more are huge-page
+// mappings that resizing grows in place.
 //
 // The counters are per thread (written by their owner only) and summed on
 // request; the failure injection is one process-wide countdown.
 //
-// Sanitizer builds define VORN_MM_SYSTEM and send every block to the system
-// allocator, so that AddressSanitizer and valgrind see each block.  The
-// checked mode (VORN_MM_CHECKED) records every live block with its size and
-// stops the process at a release or resize with a wrong size.
+// Address and undefined-behaviour sanitizer builds define VORN_MM_SYSTEM and
+// send every block to the system allocator, so that AddressSanitizer and
+// valgrind see each block.  The checked mode (VORN_MM_CHECKED) records every
+// live block with its size and stops the process at a release or resize
+// with a wrong size.
 
 #include <atomic>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -139,7 +143,7 @@ constexpr size_t kClasses = kMaxSmall / kGrain + 1;
 constexpr size_t kSpanBytes = 64 * 1024;
 constexpr size_t kHugePage = size_t{2} << 20;  // the usual huge page of x86-64 and arm64
 [[maybe_unused]] constexpr uint32_t kCacheLimit = 512;  // free slots a thread keeps per class
-constexpr uint32_t kTransfer = 256;     // slots moved at once to the shared list
+constexpr uint32_t kTransfer = 256;     // slots a full bin gives back at once
 
 // A slot of size s (s <= kMaxSmall) belongs to class ceil(s / kGrain); class
 // 0 (size 0) shares the smallest slot.  A slot's address is a multiple of
@@ -154,21 +158,69 @@ struct FreeSlot {
     FreeSlot *next;
 };
 
-// The shared free list of one class.
+// Spans are aligned to their size, so the span of a slot is its address with
+// the low bits cleared.  A span begins with this record; its slots follow.
+// Free slots that no thread holds lie on their own span's list, so the
+// slots that a thread takes in one refill are neighbours in memory: a list
+// or tree built after a large release is as compact as one built on fresh
+// spans, which is what keeps its walks and searches in the cache.
+struct SpanHead {
+    FreeSlot *free = nullptr;       // free slots held by no thread
+    SpanHead *next_partial = nullptr;
+    uint32_t nfree = 0;
+    uint32_t capacity = 0;          // slots in the span
+    bool listed = false;            // on its class's list of spans with free slots
+    bool bumping = true;            // a thread still hands out its untouched slots
+};
+constexpr size_t kSpanHead = 32;  // keeps every slot as aligned as the span's first
+static_assert(sizeof(SpanHead) <= kSpanHead);
+
+inline SpanHead *span_of(const void *slot) {
+    return reinterpret_cast<SpanHead *>(reinterpret_cast<uintptr_t>(slot) & ~(kSpanBytes - 1));
+}
+
+// The shared level of one class: the spans with free slots, newest first.
 struct SharedBin {
     std::mutex mutex;
-    FreeSlot *head = nullptr;
-    uint32_t count = 0;
+    SpanHead *partial = nullptr;
 };
 SharedBin *shared_bins() {
     static auto *bins = new SharedBin[kClasses];  // never destroyed
     return bins;
 }
 
-// A thread's bin: free slots, then the untouched rest of its newest span.
+// Puts the first `limit` slots of a chain of free slots back on their spans,
+// a run of neighbours of one span at a time, and gives the rest of the
+// chain.  The caller holds the class's lock.
+FreeSlot *return_to_spans(SharedBin &sb, FreeSlot *f, uint32_t limit = UINT32_MAX) {
+    while (f && limit) {
+        SpanHead *span = span_of(f);
+        FreeSlot *last = f;
+        uint32_t n = 1;
+        for (FreeSlot *g = last->next; n < limit && g && span_of(g) == span; g = g->next)
+            last = g, ++n;
+        FreeSlot *rest = last->next;
+        last->next = span->free;
+        span->free = f;
+        span->nfree += n;
+        limit -= n;
+        if (!span->listed) {
+            span->listed = true;
+            span->next_partial = sb.partial;
+            sb.partial = span;
+        }
+        f = rest;
+    }
+    return f;
+}
+
+// A thread's bin: the slots this thread freed (LIFO, at most kCacheLimit),
+// then the free slots it took whole from one span, then the untouched rest
+// of its newest span.
 struct Bin {
     FreeSlot *head = nullptr;
     uint32_t count = 0;
+    FreeSlot *spare = nullptr;
     char *bump = nullptr;
     char *bump_end = nullptr;
 };
@@ -183,7 +235,8 @@ struct ThreadCache {
 // an anonymous mapping aligned to its size, and every chunk after the first
 // is advised as huge-page memory, so a process with many small blocks walks
 // its lists and trees with few TLB misses while a process with few small
-// blocks never holds a whole huge page for them.
+// blocks never holds a whole huge page for them.  Elsewhere a chunk is a
+// malloc block, aligned by hand to the span size.
 constexpr size_t kChunkBytes = kHugePage;
 static_assert(kChunkBytes % kSpanBytes == 0);
 
@@ -213,11 +266,13 @@ char *new_chunk(size_t ordinal) {
     return reinterpret_cast<char *>(aligned);
 #else
     (void)ordinal;
-    return static_cast<char *>(std::malloc(kChunkBytes));
+    const auto at = reinterpret_cast<uintptr_t>(std::malloc(kChunkBytes + kSpanBytes));
+    if (!at) return nullptr;
+    return reinterpret_cast<char *>((at + kSpanBytes - 1) & ~(kSpanBytes - 1));
 #endif
 }
 
-// A span for slots of one class, aligned to 16 bytes at least.
+// A fresh span for slots of class `cls`; its slots are handed out by bump.
 [[maybe_unused]] void new_span(Bin &b, size_t cls) {
     const size_t slot = slot_size(cls);
     char *span;
@@ -234,62 +289,66 @@ char *new_chunk(size_t ordinal) {
         span = a.next;
         a.next += kSpanBytes;
     }
-    b.bump = span;
-    b.bump_end = span + (kSpanBytes - kSpanBytes % slot);
+    auto *head = new (span) SpanHead();
+    head->capacity = static_cast<uint32_t>((kSpanBytes - kSpanHead) / slot);
+    b.bump = span + kSpanHead;
+    b.bump_end = b.bump + head->capacity * slot;
 }
 
+// The bin's bump span, which has handed out all its untouched slots, stops
+// bumping; then the bin takes all free slots of one span, or a fresh span:
+// constant time under the lock, whatever the number of slots.  A span whose
+// slots are all free is handed out by bump again, in address order, as a
+// fresh one would be.
 [[maybe_unused]] void refill(Bin &b, size_t cls) {
-    SharedBin &s = shared_bins()[cls];
+    SharedBin &sb = shared_bins()[cls];
     {
-        std::lock_guard<std::mutex> lock(s.mutex);
-        if (s.head) {  // take up to kTransfer slots
-            FreeSlot *first = s.head, *last = first;
-            uint32_t n = 1;
-            while (n < kTransfer && last->next) last = last->next, ++n;
-            s.head = last->next;
-            s.count -= n;
-            last->next = nullptr;
-            b.head = first;
-            b.count = n;
+        std::lock_guard<std::mutex> lock(sb.mutex);
+        if (b.bump_end) span_of(b.bump_end - 1)->bumping = false;
+        b.bump = b.bump_end = nullptr;
+        if (SpanHead *span = sb.partial) {
+            sb.partial = span->next_partial;
+            span->listed = false;
+            if (span->nfree == span->capacity && !span->bumping) {
+                span->bumping = true;
+                b.bump = reinterpret_cast<char *>(span) + kSpanHead;
+                b.bump_end = b.bump + span->capacity * slot_size(cls);
+            } else {
+                b.spare = span->free;
+            }
+            span->free = nullptr;
+            span->nfree = 0;
             return;
         }
     }
     new_span(b, cls);
 }
 
-// Gives kTransfer slots of a full thread bin to the shared list.
+// Gives kTransfer slots of a full thread bin back to their spans.
 [[maybe_unused]] void give_back(Bin &b, size_t cls) {
-    FreeSlot *first = b.head, *last = first;
-    for (uint32_t n = 1; n < kTransfer; ++n) last = last->next;
-    b.head = last->next;
+    SharedBin &sb = shared_bins()[cls];
+    std::lock_guard<std::mutex> lock(sb.mutex);
+    b.head = return_to_spans(sb, b.head, kTransfer);
     b.count -= kTransfer;
-    SharedBin &s = shared_bins()[cls];
-    std::lock_guard<std::mutex> lock(s.mutex);
-    last->next = s.head;
-    s.head = first;
-    s.count += kTransfer;
 }
 
-// Thread end: every cached and untouched slot goes to the shared lists and
-// the counters to the retired totals.
+// Thread end: every cached and untouched slot goes back to its span and the
+// counters to the retired totals.
 void retire(ThreadCache *tc) {
     for (size_t cls = 1; cls < kClasses; ++cls) {
         Bin &b = tc->bins[cls];
         const size_t slot = slot_size(cls);
+        SharedBin &sb = shared_bins()[cls];
+        std::lock_guard<std::mutex> lock(sb.mutex);
+        if (b.bump_end) span_of(b.bump_end - 1)->bumping = false;
         for (; b.bump && b.bump + slot <= b.bump_end; b.bump += slot) {
             auto *f = reinterpret_cast<FreeSlot *>(b.bump);
             f->next = b.head;
             b.head = f;
-            ++b.count;
         }
-        if (!b.head) continue;
-        FreeSlot *last = b.head;
-        while (last->next) last = last->next;
-        SharedBin &s = shared_bins()[cls];
-        std::lock_guard<std::mutex> lock(s.mutex);
-        last->next = s.head;
-        s.head = b.head;
-        s.count += b.count;
+        return_to_spans(sb, b.head);
+        return_to_spans(sb, b.spare);
+        b.head = b.spare = nullptr;
     }
     CounterRegistry &r = counter_registry();
     std::lock_guard<std::mutex> lock(r.mutex);
@@ -416,12 +475,17 @@ inline void *take(ThreadCache &tc, size_t size) {
         --b.count;
         return f;
     }
-    const size_t slot = slot_size(cls);
-    if (b.bump == b.bump_end) refill(b, cls);
-    if (FreeSlot *f = b.head) {
-        b.head = f->next;
-        --b.count;
+    if (FreeSlot *f = b.spare) {
+        b.spare = f->next;
         return f;
+    }
+    const size_t slot = slot_size(cls);
+    if (b.bump == b.bump_end) {
+        refill(b, cls);
+        if (FreeSlot *f = b.spare) {
+            b.spare = f->next;
+            return f;
+        }
     }
     void *block = b.bump;
     b.bump += slot;
