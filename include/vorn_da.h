@@ -187,6 +187,20 @@ VORN_API DA_iter DA_tested_items(DA_array *array, DA_test_fn test);
  * that slid into its place is not delivered. */
 VORN_API int32_t DA_next(DA_iter *iterator, void **item);
 
+/* Reading an item that is there is one multiplication, so hosts get it
+ * inline: DA_get_item with an index in 0 .. nitems - 1 gives the slot's
+ * address without a call, and any other index goes to the library, with the
+ * same result as the exported call.  Define VORN_NO_INLINE_WALKS to call the
+ * library always. */
+#if !defined(VORN_NO_INLINE_WALKS) && !defined(VORN_CONTAINER_BUILD)
+static inline void *DA_get_item_inline(DA_array *array, int32_t index) {
+    if (index >= 0 && index < array->nitems)
+        return (char *)array->data + (size_t)index * (size_t)array->item_size;
+    return DA_get_item(array, index);
+}
+#define DA_get_item(array, index) DA_get_item_inline((array), (index))
+#endif
+
 #ifdef __cplusplus
 }
 #endif
