@@ -99,6 +99,30 @@ VORN_API int32_t HSH_next(HSH_iter *iter, void **key, void **value);
  * *handle.  A null address or a handle holding null does nothing. */
 VORN_API void HSH_release(HSH_table **handle);
 
+/* A lookup is a short probe loop over the public arrays, so hosts get it
+ * inline: the same probe as the exported HSH_get_value and
+ * HSH_contains_key, with the same results, without a call.  Define
+ * VORN_NO_INLINE_WALKS to call the library instead. */
+#if !defined(VORN_NO_INLINE_WALKS) && !defined(VORN_CONTAINER_BUILD)
+static inline int32_t HSH_slot_of_inline(const HSH_table *table, const void *key) {
+    void *const *keys = table->keys;
+    const uint32_t mask = table->mask;
+    uint32_t i = ((uint32_t)(uintptr_t)key >> table->shift) & mask;
+    for (void *k; (k = keys[i]) != (void *)0; i = (i + 1) & mask)
+        if (k == key) return (int32_t)i;
+    return -1;
+}
+static inline void *HSH_get_value_inline(HSH_table *table, void *key) {
+    const int32_t i = HSH_slot_of_inline(table, key);
+    return i < 0 ? (void *)0 : table->values[i];
+}
+static inline int32_t HSH_contains_key_inline(HSH_table *table, void *key) {
+    return HSH_slot_of_inline(table, key) >= 0;
+}
+#define HSH_get_value(table, key) HSH_get_value_inline((table), (key))
+#define HSH_contains_key(table, key) HSH_contains_key_inline((table), (key))
+#endif
+
 #ifdef __cplusplus
 }
 #endif
