@@ -41,19 +41,6 @@ inline char *slot(const DA_array *a, int64_t index) {
     return block(a) + bytes_of(index, a->item_size);
 }
 
-// Copies n bytes; the usual item sizes become fixed-size moves.
-inline void copy_bytes(void *to, const void *from, std::size_t n) {
-    switch (n) {
-        case 1: std::memcpy(to, from, 1); return;
-        case 2: std::memcpy(to, from, 2); return;
-        case 4: std::memcpy(to, from, 4); return;
-        case 8: std::memcpy(to, from, 8); return;
-        case 12: std::memcpy(to, from, 12); return;
-        case 16: std::memcpy(to, from, 16); return;
-        default: std::memcpy(to, from, n); return;
-    }
-}
-
 // The growth rule: capacity becomes the smallest whole number of steps that
 // holds `count` items (worked out as ((count - 1) / increment + 1) *
 // increment, division toward zero), if that exceeds the present capacity.
@@ -96,7 +83,7 @@ DA_array *new_array(int32_t item_size, int32_t increment, int32_t line) {
     if (count <= 0) return;
     const int32_t n = a->nitems;
     ensure(a, int64_t{n} + count);
-    copy_bytes(slot(a, n), items, bytes_of(count, a->item_size));
+    vorn::copy_bytes(slot(a, n), items, bytes_of(count, a->item_size));
     a->nitems = n + count;
 }
 
@@ -108,7 +95,7 @@ void store_at(DA_array *a, int32_t index, const void *item) {
     char *to = slot(a, index);
     const std::size_t size = static_cast<std::size_t>(a->item_size);
     if (item)
-        copy_bytes(to, item, size);
+        vorn::copy_bytes(to, item, size);
     else
         std::memset(to, 0, size);
 }
@@ -196,7 +183,7 @@ void DA_append(DA_array *array, const void *items, int32_t count) {
     const int32_t n = array->nitems;
     if (count == 1 && n < array->nalloc) [[likely]] {
         array->nitems = n + 1;
-        copy_bytes(slot(array, n), items, static_cast<std::size_t>(array->item_size));
+        vorn::copy_bytes(slot(array, n), items, static_cast<std::size_t>(array->item_size));
         return;
     }
     append_general(array, items, count);
@@ -210,12 +197,12 @@ void DA_insert(DA_array *array, int32_t index, const void *items, int32_t count)
         if (count <= 0) return;
         std::memmove(slot(array, int64_t{index} + count), slot(array, index),
                      bytes_of(n - index, size));
-        copy_bytes(slot(array, index), items, bytes_of(count, size));
+        vorn::copy_bytes(slot(array, index), items, bytes_of(count, size));
         array->nitems = n + count;
     } else {
         // One slot more than the items occupy is asked for here.
         ensure(array, int64_t{index} + count + 1);
-        if (count > 0) copy_bytes(slot(array, index), items, bytes_of(count, size));
+        if (count > 0) vorn::copy_bytes(slot(array, index), items, bytes_of(count, size));
         array->nitems = index + std::max(count, 0);
     }
 }

@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <new>
 
 #include "vorn_base.h"
@@ -30,6 +31,20 @@ inline void free_record(T *record, std::size_t bytes = sizeof(T)) {
 
 [[noreturn]] inline void raise(const char *file, int32_t line, int32_t code) {
     EX_raise_exception_line(file, line, code);
+}
+
+// Copies n bytes of an item; the usual item sizes become fixed-size moves
+// instead of a call.
+inline void copy_bytes(void *to, const void *from, std::size_t n) {
+    switch (n) {
+        case 1: std::memcpy(to, from, 1); return;
+        case 2: std::memcpy(to, from, 2); return;
+        case 4: std::memcpy(to, from, 4); return;
+        case 8: std::memcpy(to, from, 8); return;
+        case 12: std::memcpy(to, from, 12); return;
+        case 16: std::memcpy(to, from, 16); return;
+        default: std::memcpy(to, from, n); return;
+    }
 }
 
 }  // namespace vorn

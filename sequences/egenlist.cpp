@@ -33,7 +33,7 @@ inline std::size_t node_bytes(uint16_t item_size) { return sizeof(EL_node) + ite
 // The one allocation of an insertion: links left to the linking step.
 inline EL_node *new_node(uint16_t item_size, const void *element) {
     EL_node *n = vorn::alloc_record<EL_node>(node_bytes(item_size));
-    std::memcpy(n->item, element, item_size);
+    vorn::copy_bytes(n->item, element, item_size);
     return n;
 }
 
@@ -172,7 +172,7 @@ int32_t EL_get_index(EL_list *list, EL_node *pos) { return fr::index_of(list, po
 EL_node *EL_advance(EL_list *, EL_node *pos, int32_t steps) { return fr::advance(pos, steps); }
 
 void EL_replace_item(EL_node *pos, const void *source, int32_t size) {
-    std::memcpy(pos->item, source, static_cast<std::size_t>(size));
+    vorn::copy_bytes(pos->item, source, static_cast<std::size_t>(size));
 }
 
 void EL_replace_items_inbetween(EL_list *list, EL_node *from, EL_node *to, EL_list *source,
@@ -182,7 +182,7 @@ void EL_replace_items_inbetween(EL_list *list, EL_node *from, EL_node *to, EL_li
     while (EL_node *n = fr::step<EL_node>(&range, bytes_of)) {
         EL_node *s = fr::step<EL_node>(&src, bytes_of);
         if (!s) vorn::raise(kFile, kLineSourceShort, vorn::kBrokenState);
-        std::memcpy(n->item, s->item, static_cast<std::size_t>(size));
+        vorn::copy_bytes(n->item, s->item, static_cast<std::size_t>(size));
     }
 }
 
@@ -305,7 +305,7 @@ int32_t EL_next_position(EL_iter *iter, EL_node **pos_out) {
 int32_t EL_next_item_copy(EL_iter *iter, void *buffer) {
     EL_node *n = fr::step<EL_node>(iter, bytes_of);
     if (!n) return 0;
-    std::memcpy(buffer, n->item, static_cast<std::size_t>(iter->item_size));
+    vorn::copy_bytes(buffer, n->item, static_cast<std::size_t>(iter->item_size));
     return 1;
 }
 

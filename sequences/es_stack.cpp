@@ -3,7 +3,7 @@
 
 #include "vorn_es.h"
 
-#include <cstring>
+#include "base_binding.hpp"
 
 extern "C" {
 
@@ -16,7 +16,7 @@ int32_t ES_is_empty(EL_list *stack) { return !stack->first && !stack->last; }
 
 int32_t ES_inspect_top(EL_list *stack, void *buffer) {
     if (!stack->last) return 0;
-    std::memcpy(buffer, stack->last->item, stack->item_size);
+    vorn::copy_bytes(buffer, stack->last->item, stack->item_size);
     return 1;
 }
 

@@ -127,7 +127,7 @@ void GB_set_number_of_elements(GB_list *list, int32_t n) { set_capacity(list, n)
 int32_t GB_append_after_last(GB_list *list, const void *item) {
     grow_if_full(list);
     const int32_t at = list->count++;
-    std::memcpy(slot(list, at), item, bytes(list, 1));
+    vorn::copy_bytes(slot(list, at), item, bytes(list, 1));
     return at;
 }
 
@@ -135,13 +135,13 @@ void GB_insert_item(GB_list *list, int32_t index, const void *item) {
     if (index < 0 || index > list->count) return;
     grow_if_full(list);
     copy_items(list, index + 1, list, index, list->count - index);
-    std::memcpy(slot(list, index), item, bytes(list, 1));
+    vorn::copy_bytes(slot(list, index), item, bytes(list, 1));
     ++list->count;
 }
 
 void GB_replace_item(GB_list *list, int32_t index, const void *item) {
     if (index < 0 || index >= list->count) return;
-    std::memcpy(slot(list, index), item, bytes(list, 1));
+    vorn::copy_bytes(slot(list, index), item, bytes(list, 1));
 }
 
 void GB_remove_item(GB_list *list, int32_t index) {
