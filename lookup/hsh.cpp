@@ -127,28 +127,38 @@ void prepare(HSH_table *t, int32_t size) {
 // hole and the scan starts again from the tail.  This is the layout that
 // taking each entry out and putting it back would give, worked out from the
 // distances alone: the probe of an entry at slot i from its home meets the
-// hole first exactly when the hole lies on the way from home to i.
+// hole first exactly when the hole lies on the way from home to i.  The
+// forward pass that finds the tail also finds the first entry to move (the
+// last one meeting the hole), so a run where nothing moves, the usual case
+// for keys that sit at their home slots, costs one pass.
 void repair(HSH_table *t, Slot hole) {
     void **keys = t->keys;
     void **values = t->values;
     const uint32_t mask = t->mask;
-    Slot end = (hole + 1) & mask;
-    while (keys[end]) end = (end + 1) & mask;
+    const auto meets_hole = [&](Slot i, Slot h) {
+        return ((i - home_of(t, keys[i])) & mask) >= ((i - h) & mask);
+    };
+    const auto move_into = [&](Slot from, Slot to) {
+        keys[to] = keys[from];
+        values[to] = values[from];
+        keys[from] = nullptr;
+    };
+    Slot end = (hole + 1) & mask, first_move = hole;
+    for (; keys[end]; end = (end + 1) & mask)
+        if (meets_hole(end, hole)) first_move = end;
+    if (first_move == hole) return;
     const Slot tail = (end - 1) & mask;
-    if (tail == hole) return;
-    Slot i = tail;
-    do {
-        const Slot home = home_of(t, keys[i]);
-        if (((i - home) & mask) >= ((i - hole) & mask)) {
-            keys[hole] = keys[i];
-            values[hole] = values[i];
-            keys[i] = nullptr;
+    move_into(first_move, hole);
+    hole = first_move;
+    for (Slot i = tail; i != hole;) {
+        if (meets_hole(i, hole)) {
+            move_into(i, hole);
             hole = i;
             i = tail;
         } else {
             i = (i - 1) & mask;
         }
-    } while (i != hole);
+    }
 }
 
 }  // namespace
