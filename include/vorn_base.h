@@ -15,6 +15,15 @@
  *
  * All services are thread-safe: containers of different threads may allocate
  * and free at the same time, and a block may be freed on another thread.
+ *
+ * How the stand-in serves blocks (a matter of speed, not of contract): blocks
+ * of up to 512 bytes are slots of size-class slabs with a per-thread cache,
+ * no header and no search; a thread refills from one slab at a time, so the
+ * nodes of a list or tree built together lie together.  Memory that once
+ * held small blocks stays with the slabs until the process ends.  Larger
+ * blocks come from malloc, and on Linux those of 2 MiB and more are mappings
+ * of their own backed by huge pages where the system allows, which
+ * MM_realloc_item grows in place or moves without copying.
  */
 #ifndef VORN_BASE_H
 #define VORN_BASE_H
