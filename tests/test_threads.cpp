@@ -49,12 +49,9 @@ int own_containers(uint64_t seed, int rounds) {
                 GL_remove_item(gl, gl->first);
                 EL_remove_item(el, el->last);
             }
-            if (i % 50 == 0) {
-                GENDICT_value gv;
-                gv.kind = GENDICT_INT;
-                gv.data.integer = i;
-                GENDICT_add(dict, std::to_string(k).c_str(), gv);
-            }
+            GENDICT_value gv{GENDICT_INT, {}};
+            gv.data.integer = i;
+            if (i % 50 == 0) GENDICT_add(dict, std::to_string(k).c_str(), gv);
         }
         for (auto &[k, v] : ref) bad += HSH_get_value(h, word(k)) != word(v);
         bad += h->count != static_cast<int32_t>(ref.size());
@@ -66,11 +63,7 @@ int own_containers(uint64_t seed, int rounds) {
         SL_list *back = GENDICT_from_buf(text);
         bad += !back || back->count != dict->count;
         std::free(text);
-        GENDICT_release(&back);
-        GENDICT_release(&dict);
-        GL_release(&gl);
-        EL_release(&el);
-        HSH_release(&h);
+        GENDICT_release(&back), GENDICT_release(&dict), GL_release(&gl), EL_release(&el), HSH_release(&h);
         DA_release(da);
     }
     return bad;
