@@ -74,16 +74,6 @@ Values stepped(EL_iter it, Step step, int32_t *last) {
     return out;
 }
 
-// The indices that a forward walk from i to j delivers.
-std::vector<size_t> range(size_t n, size_t i, size_t j, bool ring) {
-    std::vector<size_t> out;
-    for (size_t k = i;; k = (k + 1) % n) {
-        out.push_back(k);
-        if (k == j || (!ring && k == n - 1)) break;
-    }
-    return out;
-}
-
 class ElModel : public vorn_test::LeakChecked {};
 
 TEST_F(ElModel, RandomOperationsFollowTheReference) {
@@ -130,7 +120,7 @@ TEST_F(ElModel, RandomOperationsFollowTheReference) {
                 }
                 case 8:
                     if (n) {
-                        auto idx = range(n, i, j, closed);
+                        auto idx = vorn_test::walk_order(n, i, j, true, closed);
                         ASSERT_EQ(EL_count_items_inbetween(l, ref[i].n, ref[j].n), static_cast<int32_t>(idx.size()));
                         EL_remove_items_inbetween(l, ref[i].n, ref[j].n);
                         std::sort(idx.rbegin(), idx.rend());
@@ -195,7 +185,7 @@ TEST_F(ElModel, RandomOperationsFollowTheReference) {
                     if (n) {
                         EL_list *c = EL_total_copy_inbetween(l, ref[i].n, ref[j].n);
                         Values want;
-                        for (size_t k : range(n, i, j, closed)) want.push_back(ref[k].v);
+                        for (size_t k : vorn_test::walk_order(n, i, j, true, closed)) want.push_back(ref[k].v);
                         ASSERT_EQ(c->closed, 0);
                         ASSERT_EQ(c->count, static_cast<int32_t>(want.size()));
                         ASSERT_EQ(values(c), want);
@@ -221,7 +211,7 @@ TEST_F(ElModel, RandomOperationsFollowTheReference) {
                     break;
                 case 17:
                     if (n) {  // overwrite a range from a source list of random length
-                        auto idx = range(n, i, j, closed);
+                        auto idx = vorn_test::walk_order(n, i, j, true, closed);
                         EL_list *src = EL_create(kSize);
                         const size_t len = rng.below(static_cast<uint32_t>(idx.size()) + 2);
                         for (size_t k = 0; k < len; ++k) {
@@ -258,12 +248,10 @@ TEST_F(ElModel, RandomOperationsFollowTheReference) {
                 case 20:
                     if (n) {  // walks either way, tested or not, through every step
                         const bool forward = rng.chance(50), tested = rng.chance(50);
-                        auto idx = range(n, forward ? i : n - 1 - i, forward ? j : n - 1 - j, closed);
+                        const auto idx = vorn_test::walk_order(n, i, j, forward, closed);
                         Values want;
-                        for (size_t &k : idx) {
-                            if (!forward) k = n - 1 - k;
+                        for (size_t k : idx)
                             if (!tested || ref[k].v % 2 == 0) want.push_back(ref[k].v);
-                        }
                         const EL_iter it = tested ? EL_tested_items_inbetween(l, ref[i].n, ref[j].n, forward, even)
                                                   : EL_all_items_inbetween(l, ref[i].n, ref[j].n, forward);
                         ASSERT_EQ(it.item_size, kSize);

@@ -153,12 +153,9 @@ TEST(SlModel, RandomOperationsFollowTheReference) {
                     if (p) {  // either way, tested or not; behind `to` an open list runs to its end
                         Rec *to = ref[rng.below(uint32_t(size))];
                         const bool forward = rng.chance(50), tested = rng.chance(50);
-                        Recs order = forward ? ref : Recs(ref.rbegin(), ref.rend()), want;
-                        const size_t from_at = size_t(std::find(order.begin(), order.end(), p) - order.begin());
-                        for (size_t k = from_at;; k = (k + 1) % order.size()) {
-                            if (!tested || is_even(order[k])) want.push_back(order[k]);
-                            if (order[k] == to || (!closed && k + 1 == order.size())) break;
-                        }
+                        Recs want;
+                        for (size_t k : vorn_test::walk_order(ref.size(), at(p) - ref.begin(), at(to) - ref.begin(), forward, closed))
+                            if (!tested || is_even(ref[k])) want.push_back(ref[k]);
                         void *out = &pool;
                         ASSERT_EQ(walk(tested ? SL_tested_items_inbetween(l, p, to, forward, is_even)
                                               : SL_all_items_inbetween(l, p, to, forward), &out), want);
