@@ -145,7 +145,9 @@ TEST(SlModel, RandomOperationsFollowTheReference) {
                     ASSERT_EQ(walk(SL_all_items(l)), ref);
                     ASSERT_EQ(walk(SL_all_items_reversed(l)), Recs(ref.rbegin(), ref.rend()));
                     Recs even;
-                    std::copy_if(ref.rbegin(), ref.rend(), std::back_inserter(even), is_even);
+                    std::copy_if(ref.begin(), ref.end(), std::back_inserter(even), is_even);
+                    ASSERT_EQ(walk(SL_tested_items(l, is_even)), even);
+                    std::reverse(even.begin(), even.end());
                     ASSERT_EQ(walk(SL_tested_items_reversed(l, is_even)), even);
                     break;
                 }
