@@ -1,5 +1,5 @@
 // GL against a simple reference (with its walks through the exported and the
-// inline step), the walk corrections under change, splicing and ownership.
+// inline step, splicing, copies and ownership), the walk corrections.
 #include <algorithm>
 #include <cstdint>
 #include <vector>
@@ -24,6 +24,14 @@ Words walk(GL_iter it, Step step = Step{(GL_next_item)}, void **out = nullptr) {
     if (out) *out = w;
     return got;
 }
+
+int g_released;
+void release_word(void **address) {
+    ++g_released;
+    *address = nullptr;  // allowed: the word dies with its node
+}
+void *copy_plus_100(void *item) { return word(num(item) + 100); }
+int32_t measure_word(void *item) { return static_cast<int32_t>(num(item)); }
 
 class GlModel : public vorn_test::LeakChecked {};
 
@@ -115,25 +123,35 @@ TEST_F(GlModel, RandomOperationsFollowTheReference) {
             vorn_test::expect_links(l->first, l->last, l->count, false, ref);
             if (::testing::Test::HasFatalFailure()) return;
         }
-        // A copy holds the same words in order, in new nodes.
-        GL_list *c = GL_copy(l);
-        std::vector<GL_node *> cp;
-        for (GL_node *n = c->first; n; n = n->next) cp.push_back(n);
-        ASSERT_EQ(cp.size(), ref.size());
-        for (size_t i = 0; i < ref.size(); ++i) {
-            EXPECT_NE(cp[i], ref[i]);
-            EXPECT_EQ(cp[i]->item, ref[i]->item);
+        // A copy holds the words (a total copy what the callback gives for
+        // them) in order, in new nodes; the total operations hand every word
+        // to the callback once; the check measures every word.
+        const bool total = seed % 2;
+        GL_list *c = total ? GL_total_copy(l, copy_plus_100) : GL_copy(l);
+        uintptr_t sum = 0;
+        GL_node *n = c->first;
+        for (GL_node *r : ref) {
+            ASSERT_TRUE(n && n != r);
+            ASSERT_EQ(num(n->item), num(r->item) + (total ? 100 : 0));
+            sum += num(r->item), n = n->next;
         }
-        GL_release(&c);
-        GL_release(&l);
+        ASSERT_EQ(n, nullptr);
+        EXPECT_EQ(GL_check(l, ref.empty() ? nullptr : measure_word),  // not called on an empty list
+                  static_cast<int32_t>(sizeof(GL_list) + ref.size() * sizeof(GL_node) + sum));
+        g_released = 0;
+        GL_total_make_empty(c, release_word);
+        EXPECT_EQ(c->count, 0);
+        GL_total_release(&l, release_word);
+        EXPECT_EQ(g_released, static_cast<int>(2 * ref.size()));
         EXPECT_EQ(l, nullptr);
+        GL_release(&c);
     }
 }
 
 // The walk is one step ahead: `current` may go; an item inserted between
 // next and last is visited, one beyond last is not; walks that are over
-// before they begin leave the out argument alone.
-TEST_F(GlModel, WalkCorrectionsAndOpenings) {
+// before they begin leave the out argument alone.  Null arguments.
+TEST_F(GlModel, WalkCorrectionsOpeningsAndNullArguments) {
     GL_list *l = GL_create();
     for (uintptr_t i = 0; i < 5; ++i) GL_append_after_last(l, word(i));  // word 0 included
     EXPECT_EQ(walk(GL_all_items_reversed(l)), (Words{4, 3, 2, 1, 0}));
@@ -157,41 +175,11 @@ TEST_F(GlModel, WalkCorrectionsAndOpenings) {
     GL_next_item(&it, &out);          // a; next is b
     GL_insert_after(l, b, word(8));   // between next and last: visited
     EXPECT_EQ(walk(it), (Words{2, 8, 3}));
-    GL_release(&l);
-}
-
-int g_released;
-void release_word(void **address) {
-    ++g_released;
-    *address = nullptr;  // allowed: the word dies with its node
-}
-void *copy_plus_100(void *item) { return word(num(item) + 100); }
-int32_t measure_word(void *item) { return static_cast<int32_t>(num(item)); }
-
-TEST_F(GlModel, OwnershipSplicesAndCheck) {
-    GL_list *l = GL_create(), *empty = GL_create(), *keep = GL_create();
-    for (uintptr_t i = 1; i <= 3; ++i) GL_append_after_last(l, word(i));
-    GL_list *t = GL_total_copy(l, copy_plus_100);
-    EXPECT_EQ(walk(GL_all_items(t)), (Words{101, 102, 103}));
-    EXPECT_EQ(GL_check(l, measure_word), static_cast<int32_t>(sizeof(GL_list) + 3 * sizeof(GL_node) + 6));
-    EXPECT_EQ(GL_check(empty, nullptr), static_cast<int32_t>(sizeof(GL_list)));  // never measures
-    // In front of an empty list takes everything over; null arguments do nothing.
+    GL_list *keep = GL_create();  // null arguments do nothing
     GL_append_list_in_front(nullptr, &keep);
     GL_append_list_in_front(l, nullptr);
-    GL_append_after_last(keep, word(7));
-    GL_append_list_in_front(empty, &keep);
-    EXPECT_EQ(keep, nullptr);
-    EXPECT_EQ(walk(GL_all_items(empty)), Words{7});
-    g_released = 0;
-    GL_total_make_empty(t, release_word);
-    EXPECT_EQ(g_released, 3);
-    EXPECT_EQ(t->count, 0);
-    GL_total_release(&l, release_word);
-    EXPECT_EQ(g_released, 6);
-    EXPECT_EQ(l, nullptr);
-    GL_release(&l);  // a null handle: nothing happens
-    GL_release(&t);
-    GL_release(&empty);
+    EXPECT_NE(keep, nullptr);  // survives
+    for (GL_list **h : {&keep, &l, &l}) GL_release(h);  // a null handle too
 }
 
 }  // namespace
