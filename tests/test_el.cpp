@@ -101,7 +101,7 @@ TEST_F(ElModel, RandomOperationsFollowTheReference) {
             const Elem e = elem(v);
             const size_t n = ref.size();
             const size_t i = n ? pick() : 0, j = n ? pick() : 0;
-            switch (rng.below(21)) {
+            switch (rng.below(22)) {
                 case 0: ref.push_back({EL_append_after_last(l, &e), v}); break;
                 case 1: ref.insert(ref.begin(), {EL_insert_before_first(l, &e), v}); break;
                 case 2:
@@ -263,6 +263,9 @@ TEST_F(ElModel, RandomOperationsFollowTheReference) {
                         ASSERT_EQ(last, want.empty() ? -1 : want.back());
                     }
                     break;
+                case 21:
+                    if (n) EL_replace_item(ref[i].n, &e, kSize), ref[i].v = v;
+                    break;
             }
             expect_list(l, ref, closed);
             if (::testing::Test::HasFatalFailure()) return;
@@ -402,6 +405,17 @@ TEST_F(Dbll, OwnLogicTable) {
         EXPECT_TRUE(same(read(l), c.op == 'n' ? c.start : c.after));
         DBLL_release(&l);
     }
+    // The ends, whole-list arithmetic and the size; an empty list stays empty.
+    EL_list *l = DBLL_create_with_two(1, 2), *empty = DBLL_create();
+    DBLL_set_begin_value(empty, 3), DBLL_set_end_value(empty, 3);
+    EXPECT_EQ((V{double(DBLL_is_empty(empty)), double(DBLL_is_empty(l)), DBLL_begin_value(empty), DBLL_end_value(empty)}),
+              (V{1, 0, 0, 0}));
+    DBLL_add_to_all(l, 0.5);
+    DBLL_set_end_value(l, DBLL_end_value(l) * 10);
+    DBLL_set_begin_value(l, DBLL_begin_value(l) - 1);
+    EXPECT_TRUE(same(read(l), {0.5, 25}));
+    EXPECT_EQ(DBLL_check(l), static_cast<int32_t>(2 * (sizeof(EL_node) + sizeof(double))));
+    DBLL_release(&l), DBLL_release(&empty);
 }
 
 }  // namespace
