@@ -120,6 +120,18 @@ void expect_links(const void *first, const void *last, int32_t count, bool close
     }
 }
 
+// The reference indices (of a list of n) that a walk from `from` to `to`
+// visits, forward or backward: on a ring it passes the seam, on an open list
+// it runs to the end when `to` does not lie ahead.
+inline std::vector<size_t> walk_order(size_t n, size_t from, size_t to, bool forward, bool ring) {
+    std::vector<size_t> out;
+    for (size_t k = from;; k = forward ? (k + 1) % n : (k + n - 1) % n) {
+        out.push_back(k);
+        if (k == to || (!ring && k == (forward ? n - 1 : 0))) break;
+    }
+    return out;
+}
+
 // Small deterministic generator for the randomized tests (seeded per test so
 // that a failure repeats).
 struct Rng {

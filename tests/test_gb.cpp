@@ -31,19 +31,16 @@ Items contents(const GB_list &l) {
 }
 
 void expect_equal(const GB_list &l, const Model &m) {
-    ASSERT_EQ(l.item_size, m.size);
-    ASSERT_EQ(l.capacity, m.capacity);
-    ASSERT_EQ(l.inc, m.inc);
-    ASSERT_EQ(l.closed, m.closed);
+    ASSERT_EQ((std::vector<int32_t>{l.item_size, l.capacity, l.inc, l.closed}),
+              (std::vector<int32_t>{m.size, m.capacity, m.inc, m.closed}));
     ASSERT_EQ(contents(l), m.items);
 }
 
 // Index plus delta; on a ring brought into range by whole turns of count.
 int32_t ref_advance(const Model &m, int64_t to) {
-    if (m.count() == 0 || (!m.closed && (to < 0 || to >= m.count()))) return -1;
-    while (to < 0) to += m.count();
-    while (to >= m.count()) to -= m.count();
-    return static_cast<int32_t>(to);
+    const int64_t n = m.count();
+    if (n == 0 || (!m.closed && (to < 0 || to >= n))) return -1;
+    return static_cast<int32_t>((to % n + n) % n);
 }
 
 class GbModel : public vorn_test::LeakChecked {};

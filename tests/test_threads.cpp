@@ -4,8 +4,7 @@
 // to where they were once every thread is done.  (The tree's working state
 // and the colour table are process-wide and stay out.)
 #include <atomic>
-#include <condition_variable>
-#include <deque>
+#include <cstring>
 #include <mutex>
 #include <string>
 #include <thread>
@@ -50,12 +49,9 @@ int own_containers(uint64_t seed, int rounds) {
                 GL_remove_item(gl, gl->first);
                 EL_remove_item(el, el->last);
             }
-            if (i % 50 == 0) {
-                GENDICT_value gv;
-                gv.kind = GENDICT_INT;
-                gv.data.integer = i;
-                GENDICT_add(dict, std::to_string(k).c_str(), gv);
-            }
+            GENDICT_value gv{GENDICT_INT, {}};
+            gv.data.integer = i;
+            if (i % 50 == 0) GENDICT_add(dict, std::to_string(k).c_str(), gv);
         }
         for (auto &[k, v] : ref) bad += HSH_get_value(h, word(k)) != word(v);
         bad += h->count != static_cast<int32_t>(ref.size());
@@ -67,11 +63,7 @@ int own_containers(uint64_t seed, int rounds) {
         SL_list *back = GENDICT_from_buf(text);
         bad += !back || back->count != dict->count;
         std::free(text);
-        GENDICT_release(&back);
-        GENDICT_release(&dict);
-        GL_release(&gl);
-        EL_release(&el);
-        HSH_release(&h);
+        GENDICT_release(&back), GENDICT_release(&dict), GL_release(&gl), EL_release(&el), HSH_release(&h);
         DA_release(da);
     }
     return bad;
@@ -87,66 +79,48 @@ TEST(Threads, ContainersOfDifferentThreadsAtTheSameTime) {
     EXPECT_EQ(MM_blocks_in_use(), blocks);
 }
 
-// Producers fill lists and arrays and hand them over; consumers check and
-// release them, so every block is freed on another thread than its own.
+// Threads take blocks of every size class and beyond, hand half of them to
+// a neighbour that frees them and free the rest themselves; no block is
+// handed out twice and the counters come back to where they were.
 TEST(Threads, BlocksFreedOnAnotherThread) {
-    const int64_t blocks = MM_blocks_in_use();
-    struct Parcel {
-        EL_list *el;
-        GL_list *gl;
-        DA_array *da;
-        int32_t n;
-    };
+    constexpr int kRounds = 20, kPerRound = 2000;
+    const int64_t blocks = MM_blocks_in_use(), bytes = MM_bytes_in_use();
+    std::vector<std::vector<std::pair<void *, size_t>>> handoff(kThreads);
     std::mutex m;
-    std::condition_variable cv;
-    std::deque<Parcel> queue;
-    int producers_left = kThreads / 2;
     std::atomic<int> bad{0};
-    auto produce = [&](uint64_t seed) {
-        Rng rng(seed);
-        for (int p = 0; p < 3000; ++p) {
-            const int32_t n = static_cast<int32_t>(rng.below(60));
-            Parcel parcel{EL_create(4), GL_create(), DA_create(4, 1 + static_cast<int32_t>(rng.below(8))), n};
-            for (int32_t i = 0; i < n; ++i) {
-                EL_append_after_last(parcel.el, &i);
-                GL_insert_before_first(parcel.gl, word(i + 1));
-                DA_append(parcel.da, &i, 1);
-            }
-            std::lock_guard<std::mutex> lock(m);
-            queue.push_back(parcel);
-            cv.notify_one();
-        }
-        std::lock_guard<std::mutex> lock(m);
-        --producers_left;
-        cv.notify_all();
-    };
-    auto consume = [&] {
-        for (;;) {
-            Parcel parcel;
-            {
-                std::unique_lock<std::mutex> lock(m);
-                cv.wait(lock, [&] { return !queue.empty() || producers_left == 0; });
-                if (queue.empty()) return;
-                parcel = queue.front();
-                queue.pop_front();
-            }
-            bad += parcel.el->count != parcel.n || parcel.gl->count != parcel.n || DA_nitems(parcel.da) != parcel.n;
-            int32_t want = 0;
-            EL_iter it = EL_all_items(parcel.el);
-            void *item;
-            while (EL_next_item(&it, &item)) bad += *static_cast<int32_t *>(item) != want++;
-            if (parcel.n) bad += parcel.gl->first->item != word(parcel.n);
-            EL_release(&parcel.el);
-            GL_release(&parcel.gl);
-            DA_release(parcel.da);
-        }
-    };
     std::vector<std::thread> threads;
-    for (int t = 0; t < kThreads / 2; ++t) threads.emplace_back(produce, 7 + t);
-    for (int t = 0; t < kThreads / 2; ++t) threads.emplace_back(consume);
+    for (int t = 0; t < kThreads; ++t) {
+        threads.emplace_back([&, t] {
+            Rng rng(static_cast<uint64_t>(t) + 1);
+            for (int round = 0; round < kRounds; ++round) {
+                std::vector<std::pair<void *, size_t>> mine, theirs;
+                for (int i = 0; i < kPerRound; ++i) {
+                    size_t size = rng.chance(2) ? 600 + rng.below(2000) : 1 + rng.below(200);
+                    auto *p = static_cast<unsigned char *>(MM_alloc_item(size));
+                    std::memset(p, t + 1, size);
+                    mine.emplace_back(p, size);
+                }
+                {
+                    std::lock_guard<std::mutex> lock(m);
+                    theirs.swap(handoff[t]);
+                    auto &next = handoff[(t + 1) % kThreads];
+                    next.insert(next.end(), mine.begin() + kPerRound / 2, mine.end());
+                }
+                mine.resize(kPerRound / 2);
+                for (auto [p, size] : mine) {
+                    if (static_cast<unsigned char *>(p)[size - 1] != t + 1) ++bad;
+                    MM_dealloc_item(p, size);
+                }
+                for (auto [p, size] : theirs) MM_dealloc_item(p, size);
+            }
+        });
+    }
     for (auto &th : threads) th.join();
+    for (auto &left : handoff)
+        for (auto [p, size] : left) MM_dealloc_item(p, size);
     EXPECT_EQ(bad.load(), 0);
     EXPECT_EQ(MM_blocks_in_use(), blocks);
+    EXPECT_EQ(MM_bytes_in_use(), bytes);
 }
 
 }  // namespace

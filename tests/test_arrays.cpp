@@ -1,14 +1,15 @@
-// DA against a byte-exact model of the whole block, the walk, and the
-// failure lines through injected allocation failures.
+// The arrays: DA against a byte-exact model of the whole block, the walk
+// against the present count, and the copy between item sizes; SA's number
+// sets against a marked sequence.
 #include <algorithm>
 #include <cstring>
+#include <set>
 #include <vector>
 
 #include "support.hpp"
 
 namespace {
 
-using vorn_test::LeakChecked;
 using vorn_test::Rng;
 using Bytes = std::vector<unsigned char>;
 
@@ -28,10 +29,9 @@ struct Model {
 };
 
 void expect_model(DA_array *a, const Model &m) {
-    ASSERT_EQ(DA_nitems(a), m.nitems);
-    ASSERT_EQ(DA_nalloc(a), m.nalloc);
-    ASSERT_EQ(DA_memsize(a), m.nalloc * m.size);
-    ASSERT_EQ(DA_check(a), static_cast<int32_t>(sizeof(DA_array)) + m.nalloc * m.size);
+    ASSERT_EQ((std::vector<int32_t>{DA_nitems(a), DA_nalloc(a), DA_memsize(a), DA_check(a)}),
+              (std::vector<int32_t>{m.nitems, m.nalloc, m.nalloc * m.size,
+                                    static_cast<int32_t>(sizeof(DA_array)) + m.nalloc * m.size}));
     if (m.nalloc == 0) ASSERT_EQ(DA_data(a), nullptr);
     else ASSERT_EQ(0, std::memcmp(DA_data(a), m.block.data(), m.block.size()));
 }
@@ -44,7 +44,7 @@ Model copied(Model m, int32_t inc) {  // a fresh array holding m's items
     return c;
 }
 
-class DaModel : public LeakChecked {};
+class DaModel : public vorn_test::LeakChecked {};
 
 TEST_F(DaModel, RandomOperationsFollowTheModel) {
     const int32_t sizes[] = {1, 3, 4, 8, 16}, incs[] = {1, 2, 5, 16};
@@ -57,9 +57,7 @@ TEST_F(DaModel, RandomOperationsFollowTheModel) {
             const auto i = static_cast<int32_t>(rng.below(m.nitems + 4));
             Bytes src(static_cast<size_t>(4 * m.size));
             for (auto &c : src) c = static_cast<unsigned char>(rng.below(256));
-            auto put = [&](int32_t at, int32_t n) {
-                std::copy_n(src.data(), n * m.size, m.at(at));
-            };
+            auto put = [&](int32_t at, int32_t n) { std::copy_n(src.data(), n * m.size, m.at(at)); };
             switch (rng.below(13)) {
                 case 0: case 1:
                     DA_append(a, src.data(), count);
@@ -153,30 +151,31 @@ DA_array *tens(int32_t n) {  // 10, 20, ... n items, increment 4
 }
 
 int g_calls;
-int32_t refuse(void *) { return ++g_calls, 0; }
-int32_t odd_tens(void *item) { return (*static_cast<int32_t *>(item) / 10) % 2; }
+int32_t odd_tens(void *item) { return ++g_calls, (*static_cast<int32_t *>(item) / 10) % 2; }
 
+// A walk follows indices against the present count; an ended walk stays
+// ended and writes null; the test runs once per item.
 TEST_F(DaModel, WalksFollowIndicesAgainstThePresentCount) {
-    struct Case {
+    using Start = DA_iter (*)(DA_array *);
+    const Start all = DA_all_items;
+    const struct {
         const char *name;
-        DA_iter (*start)(DA_array *);
+        Start start;
         void (*after_first)(DA_array *);  // applied once the first item came
         std::vector<int32_t> want;
+        int calls;
+    } cases[] = {
+        {"tested", [](DA_array *a) { return DA_tested_items(a, odd_tens); }, nullptr, {10, 30, 50}, 5},
+        {"down from beyond the end", [](DA_array *a) { return DA_iter{a, 0, 7, 1, nullptr}; }, nullptr, {50, 40, 30, 20}, 0},
+        {"from below 0", [](DA_array *a) { return DA_iter{a, 1, -3, 1, nullptr}; }, nullptr, {10, 20}, 0},
+        {"truncated", all, [](DA_array *a) { DA_truncate(a, 2); }, {10, 20}, 0},
+        {"delivered deleted", all, [](DA_array *a) { DA_delete(a, 0, 1); }, {10, 30, 40, 50}, 0},
+        {"appended", all, [](DA_array *a) { DA_append(a, &a->nitems, 1); }, {10, 20, 30, 40, 50}, 0},
+        {"emptied", all, DA_reset, {10}, 0},
     };
-    DA_iter (*const all)(DA_array *) = DA_all_items;
-    const Case cases[] = {
-        {"tested", [](DA_array *a) { return DA_tested_items(a, odd_tens); }, nullptr, {10, 30, 50}},
-        {"down from beyond the end", [](DA_array *a) { return DA_iter{a, 0, 7, 1, nullptr}; },
-         nullptr, {50, 40, 30, 20}},
-        {"from below 0", [](DA_array *a) { return DA_iter{a, 1, -3, 1, nullptr}; }, nullptr,
-         {10, 20}},
-        {"truncated", all, [](DA_array *a) { DA_truncate(a, 2); }, {10, 20}},
-        {"delivered deleted", all, [](DA_array *a) { DA_delete(a, 0, 1); }, {10, 30, 40, 50}},
-        {"appended", all, [](DA_array *a) { DA_append(a, &a->nitems, 1); }, {10, 20, 30, 40, 50}},
-        {"emptied", all, DA_reset, {10}},
-    };
-    for (const Case &c : cases) {
+    for (const auto &c : cases) {
         DA_array *a = tens(5);
+        g_calls = 0;
         DA_iter it = c.start(a);
         std::vector<int32_t> got;
         void *item;
@@ -185,78 +184,94 @@ TEST_F(DaModel, WalksFollowIndicesAgainstThePresentCount) {
             if (got.size() == 1 && c.after_first) c.after_first(a);
         }
         EXPECT_EQ(got, c.want) << c.name;
+        EXPECT_EQ(g_calls, c.calls) << c.name;
         item = &got;
-        EXPECT_EQ(DA_next(&it, &item), 0) << c.name;  // an ended walk stays ended
+        EXPECT_EQ(DA_next(&it, &item), 0) << c.name;
         EXPECT_EQ(item, nullptr) << c.name;
         DA_release(a);
     }
-    DA_array *a = tens(4);
-    g_calls = 0;
-    DA_iter it = DA_tested_items(a, refuse);
-    void *item = a;
-    EXPECT_EQ(DA_next(&it, &item), 0);
-    EXPECT_EQ(item, nullptr);
-    EXPECT_EQ(g_calls, 4);  // once per item
-    DA_release(a);
 }
 
-TEST_F(DaModel, TemporariesAndCopyIntoItself) {
-    DA_array *a = tens(5), *empty = DA_create(4, 1);
-    MM_fail_after(0);
-    DA_roll(a, -10);  // nothing to move: allocates nothing, the failure stays armed
-    EXPECT_RAISES(DA_create(1, 1), "darray", 25, 4197);
-    MM_fail_after(0);
-    DA_reverse(empty);  // takes its temporary even with nothing to swap
-    EXPECT_FALSE(vorn_test::catch_raise([] { DA_release(DA_create(1, 1)); }));
-    DA_copy_into(a, a);  // emptied before the source is read
-    EXPECT_EQ(DA_nitems(a), 0);
-    EXPECT_EQ(DA_data(a), nullptr);
-    DA_release(empty);
-    DA_release(a);
-}
-
-// Every growing operation raises line 103, leaving data null and the counts
-// as they were; the block that could not grow is still the caller's to free.
-TEST_F(DaModel, FailuresRaiseWithTheDocumentedState) {
-    MM_fail_after(0);
-    EXPECT_RAISES(DA_create(4, 8), "darray", 25, 4197);
-    DA_array *src = tens(6);
-    MM_fail_after(0);
-    EXPECT_RAISES(DA_copy(src), "darray", 263, 4197);
-    using Grower = void (*)(DA_array *, DA_array *);
-    static int32_t v = 7;
-    const Grower growers[] = {
-        [](DA_array *a, DA_array *) { DA_append(a, &v, 1); },
-        [](DA_array *a, DA_array *) { DA_insert(a, 0, &v, 1); },
-        [](DA_array *a, DA_array *) { DA_put_item(a, a->nalloc, nullptr); },
-        [](DA_array *a, DA_array *) { DA_string(a); },
-        [](DA_array *a, DA_array *s) { DA_copy_into(a, s); },  // frees its block first
-    };
-    for (const Grower grow : growers) {
-        for (int32_t full : {0, 4}) {
-            DA_array *a = DA_create(4, 4);
-            for (int32_t i = 0; i < full; ++i) DA_append(a, &v, 1);
-            void *old = DA_data(a);
-            MM_fail_after(0);
-            EXPECT_RAISES(grow(a, src), "darray", 103, 4197);
-            const int32_t kept = grow == growers[4] ? 0 : full;
-            EXPECT_EQ(DA_data(a), nullptr);
-            EXPECT_EQ(DA_nalloc(a), kept);
-            EXPECT_EQ(DA_nitems(a), kept);
-            if (kept) MM_dealloc_item(old, static_cast<size_t>(full) * 4);
-            DA_release(a);
-        }
-    }
-    DA_array *bytes = DA_create(1, 4), *other = DA_create(2, 4);
+// Allocation failures: test_oom.cpp.  A copy between item sizes raises and
+// changes nothing; a copy into itself empties the array.
+TEST_F(DaModel, CopyIntoAnotherItemSizeOrItself) {
+    DA_array *src = tens(6), *bytes = DA_create(1, 4), *other = DA_create(2, 4);
     DA_append(bytes, "ab", 2);
     EXPECT_RAISES(DA_copy_into(bytes, src), "darray", 281, 4297);
     EXPECT_STREQ(DA_string(bytes), "ab");  // untouched
     EXPECT_EQ(DA_nalloc(bytes), 4);
     DA_reset(bytes);
     EXPECT_EQ(DA_equal(other, bytes), 0);  // item sizes differ, both empty
-    DA_release(bytes);
-    DA_release(other);
-    DA_release(src);
+    DA_copy_into(src, src);  // emptied before the source is read
+    EXPECT_EQ(DA_nitems(src), 0);
+    EXPECT_EQ(DA_data(src), nullptr);
+    for (DA_array *a : {src, bytes, other}) DA_release(a);
+}
+
+// ---- SA against a marked sequence: the sequence is a DA of item ids edited
+// by insert, delete, reverse and roll; the set must always hold the indices
+// of the marked ids, in ascending order.
+std::vector<int32_t> ints(DA_array *a) {
+    const auto *p = static_cast<const int32_t *>(DA_data(a));
+    return p ? std::vector<int32_t>(p, p + DA_nitems(a)) : std::vector<int32_t>{};
+}
+
+int32_t id_at(DA_array *seq, int32_t i) { return *static_cast<int32_t *>(DA_get_item(seq, i)); }
+
+class SaModel : public vorn_test::LeakChecked {};
+
+TEST_F(SaModel, SetFollowsTheMarkedItemsOfAnEditedSequence) {
+    for (uint64_t seed = 1; seed <= 40; ++seed) {
+        Rng rng(seed);
+        DA_array *seq = DA_create(4, 8), *set = DA_create(4, 1 + seed % 5);
+        std::set<int32_t> marked;  // ids
+        int32_t next_id = 0;
+        for (int op = 0; op < 400; ++op) {
+            const int32_t len = DA_nitems(seq), i = static_cast<int32_t>(rng.below(len + 1));
+            const bool on_item = i < len, was = on_item && marked.count(id_at(seq, i));
+            switch (rng.below(7)) {
+                case 0: case 1:
+                    DA_insert(seq, i, &next_id, 1);
+                    ++next_id;
+                    SA_adapt_for_insert(set, i);
+                    break;
+                case 2:
+                    if (!on_item) break;
+                    marked.erase(id_at(seq, i));
+                    DA_delete(seq, i, 1);
+                    SA_adapt_for_remove(set, i);
+                    break;
+                case 3: DA_reverse(seq); SA_adapt_for_reverse(set, len); break;
+                case 4: DA_roll(seq, i); SA_adapt_for_roll(set, i, len); break;  // shift 0 .. len
+                default:
+                    if (!on_item) break;
+                    ASSERT_EQ(SA_check_number(set, i), was ? 1 : 0);
+                    if (was && rng.chance(50)) {
+                        SA_remove_number(set, i);
+                        marked.erase(id_at(seq, i));
+                    } else {
+                        SA_add_number(set, i);  // a second add changes nothing
+                        marked.insert(id_at(seq, i));
+                    }
+            }
+            std::vector<int32_t> want;
+            for (int32_t k = 0; k < DA_nitems(seq); ++k)
+                if (marked.count(id_at(seq, k))) want.push_back(k);
+            ASSERT_EQ(ints(set), want) << "seed " << seed << " op " << op;
+            if (op % 50 == 0) {  // negative numbers are ordinary members
+                DA_array *low = DA_create(4, 2);
+                std::vector<int32_t> neg;
+                for (int32_t v : want) {
+                    SA_add_number(low, -v - 1);
+                    neg.insert(neg.begin(), -v - 1);
+                }
+                ASSERT_EQ(ints(low), neg);
+                DA_release(low);
+            }
+        }
+        DA_release(seq);
+        DA_release(set);
+    }
 }
 
 }  // namespace
