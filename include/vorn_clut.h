@@ -47,6 +47,10 @@
 extern "C" {
 #endif
 
+/** \defgroup family_clut CLUT, RGBLUT_init and the GE_ words: colour table
+ * The rules of the family stand at the top of vorn_clut.h.
+ * @{ */
+
 /* One entry of the table.  The system's own colours lie in 0 to 255; nothing
  * tests the range. */
 typedef struct CLUT_colour CLUT_colour;
@@ -194,6 +198,8 @@ extern VORN_API int32_t GE_DRKCYAN;                     /* 30: 0 200 200 */
 extern VORN_API int32_t GE_SELECTION_BLUE;              /* 31: 0 0 128 */
 extern VORN_API int32_t GE_WINDOWS_COLOR_HIGHLIGHT;     /* 32: system colour 13 */
 extern VORN_API int32_t GE_WINDOWS_COLOR_HIGHLIGHTTEXT; /* 33: system colour 14 */
+
+/** @} */
 
 #ifdef __cplusplus
 }

@@ -47,6 +47,10 @@
 extern "C" {
 #endif
 
+/** \defgroup family_da DA: dynamic array
+ * The rules of the family stand at the top of vorn_da.h.
+ * @{ */
+
 typedef struct DA_array DA_array;
 typedef struct DA_iter DA_iter;
 
@@ -105,6 +109,7 @@ VORN_API void DA_setsize(DA_array *array, int32_t count);
  * bytes are zeroed.  Raises DA_RAISE_EXTEND_NO_MEMORY when no block is
  * obtained. */
 VORN_API void DA_extend(DA_array *array, int32_t count);
+/* Items held. */
 VORN_API int32_t DA_nitems(DA_array *array);
 /* Capacity in items. */
 VORN_API int32_t DA_nalloc(DA_array *array);
@@ -204,6 +209,8 @@ static inline void *DA_get_item_inline(DA_array *array, int32_t index) {
 }
 #define DA_get_item(array, index) DA_get_item_inline((array), (index))
 #endif
+
+/** @} */
 
 #ifdef __cplusplus
 }

@@ -40,6 +40,10 @@
 extern "C" {
 #endif
 
+/** \defgroup family_gt GT: AVL tree with live iterators
+ * The rules of the family stand at the top of vorn_gt.h.
+ * @{ */
+
 typedef struct GT_node GT_node;
 typedef struct GT_tree GT_tree;
 typedef struct GT_iter GT_iter;
@@ -154,11 +158,15 @@ VORN_API GT_iter *GT_all_items_while_conditioned(GT_tree *tree, GT_test_fn test)
  * has delivered nothing, or whose current node went, gives a walk that ends
  * at its first step. */
 VORN_API GT_iter *GT_from_current(GT_iter *source);
+/* As GT_from_current, delivering only the items that `test` accepts. */
 VORN_API GT_iter *GT_from_current_conditional(GT_iter *source, GT_test_fn test);
+/* As GT_from_current, up to the first item that `test` refuses. */
 VORN_API GT_iter *GT_from_current_while_conditioned(GT_iter *source, GT_test_fn test);
 /* From what the source would deliver next. */
 VORN_API GT_iter *GT_from_next(GT_iter *source);
+/* As GT_from_next, delivering only the items that `test` accepts. */
 VORN_API GT_iter *GT_from_next_conditional(GT_iter *source, GT_test_fn test);
+/* As GT_from_next, up to the first item that `test` refuses. */
 VORN_API GT_iter *GT_from_next_while_conditioned(GT_iter *source, GT_test_fn test);
 
 /* One step: 1 and the item word through *item_out; or 0 when the walk is
@@ -214,6 +222,8 @@ VORN_API void GT_print_tree(GT_tree *tree, GT_print_fn print);
  * "allocated trees      = %d\n", "allocated tree_items = %d\n",
  * "allocated tree_iters = %d\n". */
 VORN_API void GT_check(void);
+
+/** @} */
 
 #ifdef __cplusplus
 }

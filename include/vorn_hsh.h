@@ -31,6 +31,10 @@
 extern "C" {
 #endif
 
+/** \defgroup family_hsh HSH: hash table
+ * The rules of the family stand at the top of vorn_hsh.h.
+ * @{ */
+
 typedef struct HSH_table HSH_table;
 typedef struct HSH_iter HSH_iter;
 
@@ -122,6 +126,8 @@ static inline int32_t HSH_contains_key_inline(HSH_table *table, void *key) {
 #define HSH_get_value(table, key) HSH_get_value_inline((table), (key))
 #define HSH_contains_key(table, key) HSH_contains_key_inline((table), (key))
 #endif
+
+/** @} */
 
 #ifdef __cplusplus
 }

@@ -46,6 +46,10 @@
 extern "C" {
 #endif
 
+/** \defgroup family_io_lut io_lut: pointer tables
+ * The rules of the family stand at the top of vorn_io_lut.h.
+ * @{ */
+
 typedef struct io_lut_table io_lut_table;
 typedef struct io_lut_iter io_lut_iter;
 
@@ -125,6 +129,8 @@ VORN_API void *io_lut_next_item(io_lut_iter *iter);
 /* Releases the array or the hash table, sets *handle to null and frees the
  * record.  A null address or a handle holding null does nothing. */
 VORN_API void io_lut_release(io_lut_table **handle);
+
+/** @} */
 
 #ifdef __cplusplus
 }
