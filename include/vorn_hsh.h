@@ -13,7 +13,7 @@
  * to the caller and are never dereferenced.
  *
  * The table grows (doubling) when a new key finds `count` at `high_limit`
- * (7/8 of the size) and halves when a removal leaves `count` below
+ * (7/8 of the size), short of the largest size, and halves when a removal leaves `count` below
  * `low_limit` (1/4 of the size, 0 at the minimum size).  No deleted-entry
  * marker exists: a removal repairs the probe run behind the hole at once.
  * Only a resize allocates; a lookup touches the keys array alone.
@@ -39,8 +39,10 @@ typedef struct HSH_table HSH_table;
 typedef struct HSH_iter HSH_iter;
 
 /* The table.  All fields are public and read-only to callers.
- * Invariants: `count` is the number of non-zero keys and never exceeds
- * `high_limit`, so an empty slot always ends a probe; every key stands in its
+ * Invariants: `count` is the number of non-zero keys and stays below
+ * `size`, so an empty slot always ends a probe; below the largest size
+ * (2^30 slots) it never exceeds `high_limit`, at the largest size it may
+ * fill past it up to size - 1 (see HSH_set_value); every key stands in its
  * home slot or behind it in probe order (wrapping through `mask`) with no
  * empty slot between; no key stands twice. */
 struct HSH_table {
