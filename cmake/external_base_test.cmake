@@ -9,13 +9,7 @@
 #         -DCXX_COMPILER= -P external_base_test.cmake
 cmake_policy(VERSION 3.25)
 
-function(run what)
-  execute_process(COMMAND ${ARGN} RESULT_VARIABLE rc OUTPUT_VARIABLE out ERROR_VARIABLE out)
-  if(NOT rc EQUAL 0)
-    message(FATAL_ERROR "${what} failed (${rc}):\n${ARGN}\n${out}")
-  endif()
-  set(run_output "${out}" PARENT_SCOPE)
-endfunction()
+include(${CMAKE_CURRENT_LIST_DIR}/script_run.cmake)
 
 file(REMOVE_RECURSE ${WORK_DIR})
 set(base ${WORK_DIR}/base)
