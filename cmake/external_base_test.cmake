@@ -4,7 +4,7 @@
 # tree is configured there with VORN_EXTERNAL_BASE=ON, must build no base
 # library of its own, and its demo (which checks that every block came back)
 # runs on the installed one.  Installing that build must leave the base
-# library's files out.
+# library's files out, and a host must build on that install.
 #   cmake -DBUILD_DIR= -DWORK_DIR= -DSOURCE_DIR= -DGENERATOR= -DC_COMPILER=
 #         -DCXX_COMPILER= -P external_base_test.cmake
 cmake_policy(VERSION 3.25)
@@ -41,4 +41,10 @@ file(GLOB_RECURSE installed_base ${WORK_DIR}/prefix/*VornBaseShared* ${WORK_DIR}
 if(installed_base)
   message(FATAL_ERROR "the install holds files of the base library: ${installed_base}")
 endif()
-message(STATUS "external base: built, ran and installed against ${base}")
+# A host finds the installed package, which finds the base library again.
+set(host_build ${WORK_DIR}/host)
+run("configuring a host on the install" ${CMAKE_COMMAND} -S ${SOURCE_DIR}/tests/consumer -B ${host_build}
+  -G ${GENERATOR} -DCMAKE_C_COMPILER=${C_COMPILER} -DCMAKE_PREFIX_PATH=${WORK_DIR}/prefix)
+run("building the host" ${CMAKE_COMMAND} --build ${host_build})
+run("running the host" ${host_build}/host)
+message(STATUS "external base: built, ran and installed against ${base}; a host links both")
