@@ -160,8 +160,8 @@ VORN_API void EL_replace_item(EL_node *pos, const void *source, int32_t size);
  * at each position of the range copies `size` bytes of the next source
  * element over the element there.  Surplus source items are ignored, the
  * source is not changed, and a null `from` does nothing.  Raises
- * EL_RAISE_REPLACE_SOURCE_SHORT when the source runs out; the items before are already
- * overwritten. */
+ * EL_RAISE_REPLACE_SOURCE_SHORT when the source runs out; the items before
+ * are already overwritten. */
 VORN_API void EL_replace_items_inbetween(EL_list *list, EL_node *from, EL_node *to,
                                          EL_list *source, int32_t size);
 

@@ -13,9 +13,10 @@
  * to the caller and are never dereferenced.
  *
  * The table grows (doubling) when a new key finds `count` at `high_limit`
- * (7/8 of the size), short of the largest size, and halves when a removal leaves `count` below
- * `low_limit` (1/4 of the size, 0 at the minimum size).  No deleted-entry
- * marker exists: a removal repairs the probe run behind the hole at once.
+ * (7/8 of the size), short of the largest size, and halves when a removal
+ * leaves `count` below `low_limit` (1/4 of the size, 0 at the minimum size).
+ * No deleted-entry marker exists: a removal repairs the probe run behind the
+ * hole at once.
  * Only a resize allocates; a lookup touches the keys array alone.
  *
  * The table record and both arrays are MM_ blocks owned by the table from

@@ -90,7 +90,8 @@ VORN_API int32_t io_lut_add(io_lut_table *table, void *pointer);
 
 /* Gives `pointer` the identifier `id`.
  * Read: with overwrite 0, an id below nitems whose slot differs from the
- * pointer raises (IO_LUT_RAISE_SET_SLOT_TAKEN; a hole differs from any non-null pointer);
+ * pointer raises IO_LUT_RAISE_SET_SLOT_TAKEN (a hole differs from any
+ * non-null pointer);
  * otherwise the slot takes the pointer, an id at or beyond the end
  * lengthening the array with holes.  A negative id (outside the contract)
  * changes nothing.
