@@ -124,8 +124,8 @@ VORN_API void CLUT_copy(int32_t destination, int32_t source);
  * instead and gives 0; should that entry lie beyond the table as well (only
  * after a start-up that raised CLUT_RAISE_INIT_TOO_SMALL), the colour read
  * is 0, 0, 0.  The state is not looked at.  With clut_debug > 1 prints
- * "get index : %d : %d %d %d\n" with the index really read.  Raises CLUT_RAISE_GET_NO_TABLE before
- * start-up. */
+ * "get index : %d : %d %d %d\n" with the index really read.  Raises
+ * CLUT_RAISE_GET_NO_TABLE before start-up. */
 VORN_API int32_t CLUT_get(int32_t index, int16_t *r, int16_t *g, int16_t *b);
 
 /* The lowest index whose colour equals (r, g, b), whatever its state (a
