@@ -1,0 +1,77 @@
+# What the printers show for every container of the fixture; the output
+# after "=== start" is compared with printers.expected.
+echo === start\n
+echo -- lists: empty, short, long (print elements), rings, bytes, doubles\n
+print *gl_empty
+print *gl_three
+print *gl_long
+set print elements 4
+print *gl_long
+print *hsh
+print *dict
+set print elements 200
+print *el_bytes
+print *el_ring
+print *el_empty_ring
+print *dbll
+print *sl_points
+print *sl_ring
+print gb_ints
+print *da_ints
+print *da_empty
+echo -- corrupted: never hangs, even without a limit\n
+set print elements unlimited
+print *gl_cycle
+print *gl_short_count
+print *el_ring_bad
+set print elements 200
+echo -- the tree, its iterators\n
+print *gt_dupl
+print *gt_empty
+print *gt_walk
+print *gt_fresh
+print *gt_orphan
+echo -- lookups\n
+print *hsh
+print *lu
+print *lu_empty
+print *lut_read
+print *lut_write
+echo -- dictionaries and values\n
+print *dict
+vorn-dict dict
+vorn-dict rdb
+print value_int
+print value_text
+print value_dict
+print *entry
+set print pretty on
+vorn-dict rdb
+set print pretty off
+echo -- item words and elements as the caller's types\n
+vorn-items gl_three int
+vorn-items gt_dupl long
+vorn-items sl_points 'struct point'
+vorn-items dict GENDICT_item
+vorn-items el_bytes short
+vorn-items *da_ints int
+vorn-items hsh int
+vorn-element-type 4 int
+print *el_bytes
+print gb_ints
+vorn-element-type
+vorn-element-type 8 bytes
+print *dbll
+vorn-element-type 8 double
+echo -- the colour table\n
+print colour
+vorn-clut
+echo -- mistakes are told, not raised into the printout\n
+python
+for cmd in ("vorn-items gl_three 'struct nosuch'", "vorn-items value_int int",
+            "vorn-dict gl_three", "vorn-element-type 2 double"):
+    try:
+        gdb.execute(cmd)
+    except gdb.error as e:
+        print(e)
+end
