@@ -10,7 +10,7 @@
 #               the type named for their size (vorn-element-type; 8-byte
 #               elements show as doubles until told otherwise)
 #   GT_tree     the items along the sorted chain, then the open iterators
-#   GT_iter     where the iterator stands (index and item word)
+#   GT_iter     the item words at which the iterator stands and goes next
 #   HSH_table   key -> value; vorn_lu the slot and its table; io_lut_table
 #               identifier -> pointer (read) or pointer -> identifier (write)
 #   GENDICT_value, GENDICT_item   typed values, sub-dictionaries nested
@@ -65,8 +65,8 @@ def _where(addr, seen):
 
 
 def _walk(first, next_of, count=None, last=None, ring=False, prev_of=None):
-    """Follows links from `first`.  Yields nodes; a string is a corruption
-    marker and ends the walk.  With a count the walk takes exactly `count`
+    """Follows links from `first`.  Yields nodes, then strings: corruption
+    markers, after which no node comes.  With a count the walk takes exactly `count`
     nodes and then checks that the last one is `last` and links on as an
     open list (null) or a ring (`first`) should.  Without a count it ends at
     a null link, which must come after `last`."""

@@ -5,7 +5,6 @@
  * corrupted lists are damaged by hand after they are built.
  */
 #include <stdint.h>
-#include <string.h>
 #include <vorn_container.h>
 
 #define W(n) ((void *)(intptr_t)(n))
@@ -43,25 +42,11 @@ static int32_t compare_words(void *a, void *b)
 
 void fixture_ready(void) {}
 
-static GENDICT_value integer(int32_t n)
-{
-    GENDICT_value v;
-    memset(&v, 0, sizeof v);
-    v.kind = GENDICT_INT;
-    v.data.integer = n;
-    return v;
-}
-
-static GENDICT_value other(int32_t kind, double real, char *text, SL_list *sub)
-{
-    GENDICT_value v;
-    memset(&v, 0, sizeof v);
-    v.kind = kind;
-    if (kind == GENDICT_DOUBLE) v.data.real = real;
-    if (kind == GENDICT_STRING) v.data.text = text;
-    if (kind == GENDICT_DICT) v.data.dict = sub;
-    return v;
-}
+/* Typed values, built in place. */
+#define INT(n) ((GENDICT_value){.kind = GENDICT_INT, .data.integer = (n)})
+#define REAL(x) ((GENDICT_value){.kind = GENDICT_DOUBLE, .data.real = (x)})
+#define TEXT(t) ((GENDICT_value){.kind = GENDICT_STRING, .data.text = (t)})
+#define DICT(d) ((GENDICT_value){.kind = GENDICT_DICT, .data.dict = (d)})
 
 static void build_lists(void)
 {
@@ -152,19 +137,19 @@ static void build_dictionaries(void)
     SL_list *sub = GENDICT_create();
     dict = GENDICT_create();
     rdb = RDBDICT_create();
-    GENDICT_add(sub, "depth", integer(2));
-    GENDICT_add(sub, "label", other(GENDICT_STRING, 0, "inner", NULL));
-    GENDICT_add(dict, "count", integer(3));
-    GENDICT_add(dict, "ratio", other(GENDICT_DOUBLE, 0.5, NULL, NULL));
-    GENDICT_add(dict, "name", other(GENDICT_STRING, 0, "outer", NULL));
-    GENDICT_add(dict, "nested", other(GENDICT_DICT, 0, NULL, sub));
-    GENDICT_add(dict, "empty", other(GENDICT_DICT, 0, NULL, GENDICT_create()));
-    RDBDICT_add(rdb, "page", "width", integer(210));
-    RDBDICT_add(rdb, "page", "unit", other(GENDICT_STRING, 0, "mm", NULL));
-    RDBDICT_add(rdb, "grid", "step", other(GENDICT_DOUBLE, 2.5, NULL, NULL));
-    value_int = integer(-4);
-    value_text = other(GENDICT_STRING, 0, "text", NULL);
-    value_dict = other(GENDICT_DICT, 0, NULL, dict);
+    GENDICT_add(sub, "depth", INT(2));
+    GENDICT_add(sub, "label", TEXT("inner"));
+    GENDICT_add(dict, "count", INT(3));
+    GENDICT_add(dict, "ratio", REAL(0.5));
+    GENDICT_add(dict, "name", TEXT("outer"));
+    GENDICT_add(dict, "nested", DICT(sub));
+    GENDICT_add(dict, "empty", DICT(GENDICT_create()));
+    RDBDICT_add(rdb, "page", "width", INT(210));
+    RDBDICT_add(rdb, "page", "unit", TEXT("mm"));
+    RDBDICT_add(rdb, "grid", "step", REAL(2.5));
+    value_int = INT(-4);
+    value_text = TEXT("text");
+    value_dict = DICT(dict);
     entry = (GENDICT_item *)dict->last;
 }
 
