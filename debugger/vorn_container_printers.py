@@ -171,12 +171,20 @@ def _view(val):
 # ------------------------------------------------------------ the lists
 
 
-class ListPrinter:
+class _Printer:
+    """A container's printer: its record and the one-shot display type."""
+
+    def __init__(self, val):
+        self.val = val
+        self.typ = _view(val)
+
+
+class ListPrinter(_Printer):
     """GL_list, EL_list and SL_list: heads with first, last and count."""
 
     def __init__(self, val, family):
-        self.val, self.family = val, family
-        self.typ = _view(val)
+        super().__init__(val)
+        self.family = family
 
     def _ring(self):
         return self.family != "GL" and int(self.val["closed"]) != 0
@@ -218,12 +226,12 @@ class ListPrinter:
         return "array"
 
 
-class BlockPrinter:
+class BlockPrinter(_Printer):
     """GB_list and DA_array: items side by side in one block."""
 
     def __init__(self, val, family):
-        self.val, self.family = val, family
-        self.typ = _view(val)
+        super().__init__(val)
+        self.family = family
         if family == "GB":
             self.count, self.cap = int(val["count"]), int(val["capacity"])
         else:
@@ -261,11 +269,7 @@ def _gt_iterators(tree):
     return _walk(lst["first"], lambda n: n["next"], int(lst["count"]), lst["last"])
 
 
-class GTTreePrinter:
-    def __init__(self, val):
-        self.val = val
-        self.typ = _view(val)
-
+class GTTreePrinter(_Printer):
     def to_string(self):
         v = self.val
         return "GT_tree, %s, open iterators %d" % (
@@ -333,36 +337,43 @@ def _hsh_entries(table):
         yield _mark("count %d but %d keys in the slots" % (int(table["count"]), found))
 
 
-def _map_children(pairs, typ=None):
-    for i, pair in enumerate(pairs):
-        if isinstance(pair, str):
-            yield "[%d]" % (2 * i), "<corrupt>"
-            yield "[%d]" % (2 * i + 1), pair[len("<corrupt: "):-1]
-            return
-        yield "[%d]" % (2 * i), pair[0]
-        yield "[%d]" % (2 * i + 1), _word(pair[1], typ)
-
-
-class HSHPrinter:
-    def __init__(self, val):
-        self.val = val
-        self.typ = _view(val)
-
-    def to_string(self):
-        return "HSH_table, count %d, size %d" % (int(self.val["count"]), int(self.val["size"]))
+class _MapPrinter(_Printer):
+    """Key -> value children from self.pairs(): (key, value) tuples, then
+    at most one corruption marker."""
 
     def children(self):
-        return _map_children(_hsh_entries(self.val), self.typ)
+        for i, pair in enumerate(self.pairs()):
+            if isinstance(pair, str):
+                yield "[%d]" % (2 * i), "<corrupt>"
+                yield "[%d]" % (2 * i + 1), pair[len("<corrupt: "):-1]
+                return
+            yield "[%d]" % (2 * i), pair[0]
+            yield "[%d]" % (2 * i + 1), pair[1]
 
     def display_hint(self):
         return "map"
 
+    def _table(self, table, key_as=None):
+        """The entries of an HSH table, the words shown as the display type
+        (values, or keys when `key_as` says so)."""
+        for pair in _hsh_entries(table):
+            if isinstance(pair, str) or self.typ is None:
+                yield pair
+            elif key_as:
+                yield _as_type(pair[0], self.typ), pair[1]
+            else:
+                yield pair[0], _as_type(pair[1], self.typ)
 
-class LUPrinter:
-    def __init__(self, val):
-        self.val = val
-        self.typ = _view(val)
 
+class HSHPrinter(_MapPrinter):
+    def to_string(self):
+        return "HSH_table, count %d, size %d" % (int(self.val["count"]), int(self.val["size"]))
+
+    def pairs(self):
+        return self._table(self.val)
+
+
+class LUPrinter(_MapPrinter):
     def to_string(self):
         v = self.val
         table = v["table"]
@@ -373,21 +384,12 @@ class LUPrinter:
             slot = "slot empty"
         return "vorn_lu, %s, table count %d" % (slot, n)
 
-    def children(self):
+    def pairs(self):
         table = self.val["table"]
-        if table:
-            return _map_children(_hsh_entries(table.dereference()), self.typ)
-        return iter(())
-
-    def display_hint(self):
-        return "map"
+        return self._table(table.dereference()) if table else iter(())
 
 
-class IOLutPrinter:
-    def __init__(self, val):
-        self.val = val
-        self.typ = _view(val)
-
+class IOLutPrinter(_MapPrinter):
     def to_string(self):
         v = self.val
         if v["pointers"]:
@@ -398,34 +400,25 @@ class IOLutPrinter:
                 int(v["identifiers"]["count"]), int(v["next_id"]))
         return "io_lut table without pointers or identifiers"
 
-    def children(self):
+    def pairs(self):
         v = self.val
-        if v["pointers"]:
+        if v["pointers"]:  # identifier -> pointer, holes left out
             arr = v["pointers"].dereference()
             n = int(arr["nitems"])
             if n > int(arr["nalloc"]) or (n and not arr["data"]):
-                yield "[0]", "<corrupt>"
-                yield "[1]", "nitems %d, nalloc %d" % (n, int(arr["nalloc"]))
+                yield _mark("nitems %d, nalloc %d" % (n, int(arr["nalloc"])))
                 return
             slots = arr["data"].cast(_word_type().pointer())
-            k = 0
             for i in range(1, n):
                 if slots[i]:
-                    yield "[%d]" % k, i
-                    yield "[%d]" % (k + 1), _word(slots[i], self.typ)
-                    k += 2
-        elif v["identifiers"]:
+                    yield i, _word(slots[i], self.typ)
+        elif v["identifiers"]:  # pointer -> identifier
             ident = gdb.lookup_type("int")
-            for i, pair in enumerate(_hsh_entries(v["identifiers"].dereference())):
+            for pair in self._table(v["identifiers"].dereference(), key_as=True):
                 if isinstance(pair, str):
-                    yield "[%d]" % (2 * i), "<corrupt>"
-                    yield "[%d]" % (2 * i + 1), pair[len("<corrupt: "):-1]
-                    return
-                yield "[%d]" % (2 * i), _word(pair[0], self.typ)
-                yield "[%d]" % (2 * i + 1), pair[1].cast(gdb.lookup_type("long")).cast(ident)
-
-    def display_hint(self):
-        return "map"
+                    yield pair
+                else:
+                    yield pair[0], pair[1].cast(gdb.lookup_type("long")).cast(ident)
 
 
 # ------------------------------------------------------------ dictionaries
@@ -437,32 +430,20 @@ def _text(ptr):
     return ptr.lazy_string() if ptr else "<null>"
 
 
-class DictPrinter:
+class DictPrinter(_MapPrinter):
     """The entries of a dictionary (an SL_list of GENDICT_item records) as
     key -> typed value; sub-dictionaries nest."""
 
-    def __init__(self, head):
-        self.head = head
-
     def to_string(self):
-        return "dictionary, count %d" % int(self.head["count"])
+        return "dictionary, count %d" % int(self.val["count"])
 
-    def children(self):
-        h = self.head
+    def pairs(self):
+        h = self.val
         item = gdb.lookup_type("GENDICT_item").pointer()
         first, last = h["first"].cast(item), h["last"].cast(item)
-        walk = _walk(first, lambda n: n["next"], int(h["count"]), last, int(h["closed"]) != 0,
-                     lambda n: n["prev"])
-        for i, node in enumerate(walk):
-            if isinstance(node, str):
-                yield "[%d]" % (2 * i), "<corrupt>"
-                yield "[%d]" % (2 * i + 1), node[len("<corrupt: "):-1]
-                return
-            yield "[%d]" % (2 * i), _text(node["key"])
-            yield "[%d]" % (2 * i + 1), node["value"]
-
-    def display_hint(self):
-        return "map"
+        for node in _walk(first, lambda n: n["next"], int(h["count"]), last,
+                          int(h["closed"]) != 0, lambda n: n["prev"]):
+            yield node if isinstance(node, str) else (_text(node["key"]), node["value"])
 
 
 class ValuePrinter:
