@@ -24,6 +24,19 @@ set print elements unlimited
 print *gl_cycle
 print *gl_short_count
 print *el_ring_bad
+echo -- damaged here: a cycle under a huge count (remembered nodes, then Brent's test), the tree's chain closed, a table's count\n
+set var gl_cycle->count = 100000000
+print *gl_cycle
+python SEEN_LIMIT = 1
+print *gl_cycle
+python SEEN_LIMIT = 100000
+set var gl_cycle->count = 5
+set var gt_dupl->last->next = gt_dupl->first
+print *gt_dupl
+set var gt_dupl->last->next = 0
+set var hsh->count = 5
+print *hsh
+set var hsh->count = 4
 set print elements 200
 echo -- the tree, its iterators\n
 print *gt_dupl
