@@ -1,8 +1,8 @@
 /*
  * fixture.c - builds every container in the states a debugger must show
  * right, then stops in fixture_ready() for gdb to print them.  Item words
- * are small numbers so that the printed text holds no address; the
- * corrupted lists are damaged by hand after they are built.
+ * are small numbers so that the printed text holds no address.  The gdb
+ * scripts damage containers themselves where they test corruption.
  */
 #include <stdint.h>
 #include <vorn_container.h>
@@ -14,8 +14,8 @@ struct point {
     int32_t x, y;
 };
 
-GL_list *gl_empty, *gl_three, *gl_long, *gl_cycle, *gl_short_count;
-EL_list *el_bytes, *el_ring, *el_empty_ring, *el_ring_bad, *dbll;
+GL_list *gl_empty, *gl_three, *gl_long;
+EL_list *el_bytes, *el_ring, *el_empty_ring, *dbll;
 SL_list *sl_points, *sl_ring;
 GB_list gb_ints;
 DA_array *da_ints, *da_empty;
@@ -52,12 +52,9 @@ static void build_lists(void)
 {
     gl_empty = GL_create();
     gl_three = GL_create();
-    gl_cycle = GL_create();
-    gl_short_count = GL_create();
     el_bytes = EL_create(4);
     el_ring = EL_create(2);
     el_empty_ring = EL_create(4);
-    el_ring_bad = EL_create(4);
     dbll = DBLL_create();
     sl_points = SL_create();
     sl_ring = SL_create();
@@ -66,8 +63,6 @@ static void build_lists(void)
     da_empty = DA_create(16, 4);
     for (int i = 0; i < NWORDS; i++) {
         GL_append_after_last(gl_three, W(words[i]));
-        GL_append_after_last(gl_cycle, W(words[i]));
-        GL_append_after_last(gl_short_count, W(words[i]));
         EL_append_after_last(el_bytes, &words[i]);
         DBLL_add_double(dbll, words[i] / 4.0);
         GB_append_after_last(&gb_ints, &words[i]);
@@ -80,7 +75,6 @@ static void build_lists(void)
         if (i < 3) {
             int16_t half = (int16_t)(words[i] * 257);
             EL_append_after_last(el_ring, &half);
-            EL_append_after_last(el_ring_bad, &words[i]);
             ring_points[i].x = i;
             SL_append_after_last(sl_ring, &ring_points[i]);
         }
@@ -90,12 +84,6 @@ static void build_lists(void)
     EL_set_closed(el_ring);
     EL_set_closed(el_empty_ring);
     SL_set_closed(sl_ring);
-    EL_set_closed(el_ring_bad);
-    /* Damage: the open list's last links back into the middle, a count that
-     * claims two items more than the links hold, a ring one item short. */
-    gl_cycle->last->next = gl_cycle->first->next;
-    gl_short_count->count += 2;
-    el_ring_bad->count += 1;
 }
 
 static void build_tree(void)

@@ -19,18 +19,24 @@ print *sl_ring
 print gb_ints
 print *da_ints
 print *da_empty
-echo -- corrupted: never hangs, even without a limit\n
+echo -- damaged here, printed without a limit: never hangs\n
 set print elements unlimited
-print *gl_cycle
-print *gl_short_count
-print *el_ring_bad
-echo -- damaged here: a cycle under a huge count (remembered nodes, then Brent's test), the tree's chain closed, a table's count\n
-set var gl_cycle->count = 100000000
-print *gl_cycle
+echo a cycle in an open list, then under a huge count (remembered nodes, then Brent's test)\n
+set var gl_three->last->next = gl_three->first->next
+print *gl_three
+set var gl_three->count = 100000000
+print *gl_three
 python SEEN_LIMIT = 1
-print *gl_cycle
+print *gl_three
 python SEEN_LIMIT = 100000
-set var gl_cycle->count = 5
+echo a count above the links, a ring one item short, the tree's chain closed, a table's count\n
+set var gl_three->last->next = 0
+set var gl_three->count = 7
+print *gl_three
+set var gl_three->count = 5
+set var el_ring->count = 4
+print *el_ring
+set var el_ring->count = 3
 set var gt_dupl->last->next = gt_dupl->first
 print *gt_dupl
 set var gt_dupl->last->next = 0
