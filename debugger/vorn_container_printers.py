@@ -218,7 +218,8 @@ class ListPrinter(_Printer):
             elif self.family == "GL":
                 yield "[%d]" % i, _word(node["item"], self.typ)
             elif self.family == "EL":
-                yield "[%d]" % i, _element(int(node) + 2 * node.type.sizeof, size, self.typ)
+                yield "[%d]" % i, _element(int(node.dereference()["item"].address), size,
+                                           self.typ)
             else:
                 yield "[%d]" % i, _word(node, self.typ)
 
@@ -248,6 +249,8 @@ class BlockPrinter(_Printer):
     def children(self):
         data = int(self.val["data"])
         n = self.count
+        if self.cap == 0:  # no block: a GB record after GB_release keeps its count
+            return
         if n < 0 or n > self.cap or (n and not data) or self.size <= 0:
             yield "[0]", _mark("count %d, capacity %d, item size %d, data 0x%x"
                                % (n, self.cap, self.size, data))

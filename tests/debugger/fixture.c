@@ -17,7 +17,7 @@ struct point {
 GL_list *gl_empty, *gl_three, *gl_long;
 EL_list *el_bytes, *el_ring, *el_empty_ring, *dbll;
 SL_list *sl_points, *sl_ring;
-GB_list gb_ints;
+GB_list gb_ints, gb_moved;
 DA_array *da_ints, *da_empty;
 GT_tree *gt_dupl, *gt_empty;
 GT_iter *gt_walk, *gt_fresh, *gt_orphan;
@@ -59,6 +59,8 @@ static void build_lists(void)
     sl_points = SL_create();
     sl_ring = SL_create();
     GB_init(&gb_ints, 4, 2);
+    GB_init(&gb_moved, 4, 1);
+    GB_append_after_last(&gb_moved, &words[0]);
     da_ints = DA_create(4, 8);
     da_empty = DA_create(16, 4);
     for (int i = 0; i < NWORDS; i++) {
@@ -81,6 +83,7 @@ static void build_lists(void)
     }
     gl_long = GL_create();
     for (int i = 0; i < 1000; i++) GL_append_after_last(gl_long, W(i));
+    GB_append_block(&gb_ints, &gb_moved); /* gb_moved: no block, count kept */
     EL_set_closed(el_ring);
     EL_set_closed(el_empty_ring);
     SL_set_closed(sl_ring);

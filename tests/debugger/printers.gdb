@@ -17,6 +17,7 @@ print *dbll
 print *sl_points
 print *sl_ring
 print gb_ints
+print gb_moved
 print *da_ints
 print *da_empty
 echo -- damaged here, printed without a limit: never hangs\n
