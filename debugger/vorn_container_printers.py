@@ -579,7 +579,12 @@ their bytes read as TYPE; SL records are the records themselves."""
         argv = gdb.string_to_argv(arg)
         if len(argv) != 2:
             raise gdb.GdbError("usage: vorn-items EXPR TYPE")
-        _print_as(_record(argv[0]), _type_of(argv[1]))
+        val, typ = _record(argv[0]), _type_of(argv[1])
+        tag = val.type.strip_typedefs().tag
+        if tag in ("EL_list", "GB_list", "DA_array") and typ.sizeof > int(val["item_size"]):
+            raise gdb.GdbError("vorn: %s is wider than the %d-byte elements"
+                               % (argv[1], int(val["item_size"])))
+        _print_as(val, typ)
 
 
 class DictCommand(gdb.Command):

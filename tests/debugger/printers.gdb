@@ -89,6 +89,7 @@ vorn-clut
 echo -- mistakes are told, not raised into the printout\n
 python
 for cmd in ("vorn-items gl_three 'struct nosuch'", "vorn-items value_int int",
+            "vorn-items el_ring int",
             "vorn-dict gl_three", "vorn-element-type 2 double"):
     try:
         gdb.execute(cmd)
