@@ -31,6 +31,7 @@
 import gdb
 
 SEEN_LIMIT = 100000  # nodes remembered by address for exact cycle reports
+SCAN_LIMIT = 1 << 26  # slots a table scan looks at, even where few are in use
 
 # ---------------------------------------------------------------- helpers
 
@@ -322,7 +323,7 @@ def _hsh_entries(table):
     """(key, value) pairs of an HSH table in slot order; a string marks
     corruption."""
     size, mask = int(table["size"]), int(table["mask"])
-    if size <= 0 or size & (size - 1) or mask != size - 1 or size > 1 << 30:
+    if size <= 0 or size & (size - 1) or mask != size - 1 or size > SCAN_LIMIT:
         yield _mark("size %d with mask 0x%x" % (size, mask))
         return
     keys, values = table["keys"], table["values"]
@@ -408,7 +409,7 @@ class IOLutPrinter(_MapPrinter):
         if v["pointers"]:  # identifier -> pointer, holes left out
             arr = v["pointers"].dereference()
             n = int(arr["nitems"])
-            if n > int(arr["nalloc"]) or (n and not arr["data"]):
+            if n > int(arr["nalloc"]) or n > SCAN_LIMIT or (n and not arr["data"]):
                 yield _mark("nitems %d, nalloc %d" % (n, int(arr["nalloc"])))
                 return
             slots = arr["data"].cast(_word_type().pointer())

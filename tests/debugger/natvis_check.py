@@ -94,7 +94,11 @@ def render(x):
 
 
 class Stop(Exception):
-    pass
+    """Ends the items of a block: a Break outside a loop, or Size reached."""
+
+
+class Broken(Exception):
+    """A Break inside a loop: ends the innermost loop."""
 
 
 def custom_items(el, ctx):
@@ -108,7 +112,7 @@ def custom_items(el, ctx):
         elif tag == "Size" and size is None and ctx.truth(child.get("Condition")):
             size = int(ctx.eval(child.text))
 
-    def run(block):
+    def run(block, in_loop):
         for child in block:
             tag = child.tag[len(NS):]
             if size is not None and len(items) >= size:
@@ -116,7 +120,7 @@ def custom_items(el, ctx):
             if tag in ("Variable", "Size") or not ctx.truth(child.get("Condition")):
                 continue
             if tag == "Break":
-                raise Stop
+                raise Broken if in_loop else Stop
             if tag == "Exec":
                 name, expr = [s.strip() for s in child.text.split("=", 1)]
                 ctx.vars[name] = ctx.eval(expr)
@@ -125,15 +129,18 @@ def custom_items(el, ctx):
                 items.append((ctx.format(name) if name else "[%d]" % len(items),
                               ctx.eval(child.text)))
             elif tag == "Loop":
-                while True:
-                    steps[0] += 1
-                    if steps[0] > STEPS:
-                        raise Stop
-                    run(child)
+                try:
+                    while True:
+                        steps[0] += 1
+                        if steps[0] > STEPS:
+                            raise Stop
+                        run(child, True)
+                except Broken:
+                    pass
             else:
                 raise gdb.GdbError("natvis element %s is not in the checked subset" % tag)
     try:
-        run(el)
+        run(el, False)
     except Stop:
         pass
     return items
