@@ -1,6 +1,6 @@
 # gdb pretty-printers and commands for vorn_container.
 #
-# Installed as <libdir>/libvorn_container.so.X.Y.Z-gdb.py (and under
+# Installed as <libdir>/libvorn_container.so.X.Y.Z-gdb.py (or under
 # share/gdb/auto-load), gdb loads this file with the library.  To load it by
 # hand:  (gdb) source /path/to/vorn_container_printers.py
 #
