@@ -27,7 +27,8 @@ if(VORN_BUILD_SHARED AND NOT WIN32 AND NOT APPLE)
     if(IS_ABSOLUTE "${CMAKE_INSTALL_LIBDIR}")
       set(_gdb_dir "${CMAKE_INSTALL_DATADIR}/gdb/auto-load${CMAKE_INSTALL_LIBDIR}")
     else()
-      set(_gdb_dir "${CMAKE_INSTALL_DATADIR}/gdb/auto-load/\${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_LIBDIR}")
+      set(_gdb_dir
+        "${CMAKE_INSTALL_DATADIR}/gdb/auto-load/\${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_LIBDIR}")
     endif()
   else()
     set(_gdb_dir ${CMAKE_INSTALL_LIBDIR})
@@ -39,9 +40,10 @@ endif()
 # link vorn::container with MSVC, which then load it into the debugger.
 install(FILES ${VORN_NATVIS_FILE} DESTINATION ${CMAKE_INSTALL_DATADIR}/vorn_container)
 if(MSVC)
+  set(_natvis ${CMAKE_INSTALL_DATADIR}/vorn_container/vorn_container.natvis)
   target_sources(vorn_container INTERFACE
     $<BUILD_INTERFACE:${VORN_NATVIS_FILE}>
-    $<INSTALL_INTERFACE:$<INSTALL_PREFIX>/${CMAKE_INSTALL_DATADIR}/vorn_container/vorn_container.natvis>)
+    $<INSTALL_INTERFACE:$<INSTALL_PREFIX>/${_natvis}>)
 endif()
 
 if(VORN_BUILD_TESTS)

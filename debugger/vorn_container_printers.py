@@ -669,9 +669,10 @@ GE_ names.  Usage: vorn-clut [all]   (all: free indices too)"""
             counts[s if s in (0, 1, 2) else 0] += 1
             if s != 0 or arg.strip() == "all":
                 c = colours[i]
+                rgb = (int(c["r"]), int(c["g"]), int(c["b"]))
                 lines.append("%5s %-7s %3d %3d %3d %s\n" % (
-                    "[%d]" % i, _STATES.get(s, "state %d" % s), int(c["r"]), int(c["g"]), int(c["b"]),
-                    " ".join(names.get(i, []))))
+                    ("[%d]" % i, _STATES.get(s, "state %d" % s)) + rgb
+                    + (" ".join(names.get(i, [])),)))
         gdb.write("colour table: %d entries, %d hard, %d dynamic, hard claims %s\n" % (
             size, counts[1], counts[2], "open" if int(word("clut_hard_open")) else "closed"))
         for line in lines:

@@ -14,7 +14,7 @@ struct point {
     int32_t x, y;
 };
 
-GL_list *gl_empty, *gl_three, *gl_long;
+GL_list *gl_empty, *gl_five, *gl_long;
 EL_list *el_bytes, *el_ring, *el_empty_ring, *dbll;
 SL_list *sl_points, *sl_ring;
 GB_list gb_ints, gb_moved;
@@ -51,7 +51,7 @@ void fixture_ready(void) {}
 static void build_lists(void)
 {
     gl_empty = GL_create();
-    gl_three = GL_create();
+    gl_five = GL_create();
     el_bytes = EL_create(4);
     el_ring = EL_create(2);
     el_empty_ring = EL_create(4);
@@ -64,7 +64,7 @@ static void build_lists(void)
     da_ints = DA_create(4, 8);
     da_empty = DA_create(16, 4);
     for (int i = 0; i < NWORDS; i++) {
-        GL_append_after_last(gl_three, W(words[i]));
+        GL_append_after_last(gl_five, W(words[i]));
         EL_append_after_last(el_bytes, &words[i]);
         DBLL_add_double(dbll, words[i] / 4.0);
         GB_append_after_last(&gb_ints, &words[i]);

@@ -3,7 +3,7 @@
 echo === start\n
 echo -- lists: empty, short, long (print elements), rings, bytes, doubles\n
 print *gl_empty
-print *gl_three
+print *gl_five
 print *gl_long
 set print elements 4
 print *gl_long
@@ -23,18 +23,18 @@ print *da_empty
 echo -- damaged here, printed without a limit: never hangs\n
 set print elements unlimited
 echo a cycle in an open list, then under a huge count (remembered nodes, then Brent's test)\n
-set var gl_three->last->next = gl_three->first->next
-print *gl_three
-set var gl_three->count = 100000000
-print *gl_three
+set var gl_five->last->next = gl_five->first->next
+print *gl_five
+set var gl_five->count = 100000000
+print *gl_five
 python SEEN_LIMIT = 1
-print *gl_three
+print *gl_five
 python SEEN_LIMIT = 100000
 echo a count above the links, a ring one item short, the tree's chain closed, a table's count\n
-set var gl_three->last->next = 0
-set var gl_three->count = 7
-print *gl_three
-set var gl_three->count = 5
+set var gl_five->last->next = 0
+set var gl_five->count = 7
+print *gl_five
+set var gl_five->count = 5
 set var el_ring->count = 4
 print *el_ring
 set var el_ring->count = 3
@@ -69,7 +69,7 @@ set print pretty on
 vorn-dict rdb
 set print pretty off
 echo -- item words and elements as the caller's types\n
-vorn-items gl_three int
+vorn-items gl_five int
 vorn-items gt_dupl long
 vorn-items sl_points 'struct point'
 vorn-items dict GENDICT_item
@@ -88,9 +88,9 @@ print colour
 vorn-clut
 echo -- mistakes are told, not raised into the printout\n
 python
-for cmd in ("vorn-items gl_three 'struct nosuch'", "vorn-items value_int int",
+for cmd in ("vorn-items gl_five 'struct nosuch'", "vorn-items value_int int",
             "vorn-items el_ring int",
-            "vorn-dict gl_three", "vorn-element-type 2 double"):
+            "vorn-dict gl_five", "vorn-element-type 2 double"):
     try:
         gdb.execute(cmd)
     except gdb.error as e:
