@@ -312,9 +312,6 @@ class GTIterPrinter:
             return str(node["item"]) if node else "none"
         return "GT_iter current %s, next %s" % (item(v["current"]), item(v["next"]))
 
-    def children(self):
-        yield "kind", self.val["kind"]
-
 
 # ------------------------------------------------------------ the lookups
 
