@@ -50,12 +50,12 @@ class Ctx:
         gdb.set_convenience_variable("nv_this", self.obj.address)
         for name, val in self.vars.items():
             gdb.set_convenience_variable("nv_var_" + name, val)
-        text, spec = split_spec(expr)
+        text, fmt = split_format(expr)
         val = gdb.parse_and_eval(self.translate(text, index))
-        if spec in ("s8", "s"):
+        if fmt in ("s8", "s"):
             return '"%s"' % val.string()
-        if spec.startswith("["):
-            size = int(self.eval(spec[1:-1], index))
+        if fmt.startswith("["):
+            size = int(self.eval(fmt[1:-1], index))
             addr = int(val.address) if val.type.strip_typedefs().code == gdb.TYPE_CODE_ARRAY \
                 else int(val)
             return printers._bytes(addr, size)
@@ -73,7 +73,7 @@ class Ctx:
         return re.sub(r"\{\{|\}\}|\{([^{}]*)\}", part, text)
 
 
-def split_spec(expr):
+def split_format(expr):
     """'a,s8' -> ('a', 's8'): a format specifier after the last top-level comma."""
     depth = 0
     for i in range(len(expr) - 1, -1, -1):
