@@ -3,7 +3,7 @@
 # names may be given as arguments.  Safe to run again: installed packages are
 # skipped and apt-get runs only when something is missing.
 set -euo pipefail
-want=(cmake make g++ binutils pkgconf libgtest-dev googletest "$@")
+want=(cmake make g++ binutils pkgconf libgtest-dev googletest gdb libxml2-utils "$@")
 missing=()
 for p in "${want[@]}"; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q 'install ok installed' || missing+=("$p")
