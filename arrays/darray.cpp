@@ -25,12 +25,6 @@ static_assert(offsetof(DA_iter, last) == sizeof(void *) + 8);
 
 namespace {
 
-constexpr const char *kFile = "darray";
-constexpr int32_t kLineCreate = 25;
-constexpr int32_t kLineExtend = 103;
-constexpr int32_t kLineCopy = 263;
-constexpr int32_t kLineCopyInto = 281;
-
 inline std::size_t bytes_of(int64_t items, int32_t item_size) {
     return static_cast<std::size_t>(items) * static_cast<std::size_t>(item_size);
 }
@@ -63,7 +57,7 @@ bool grow(DA_array *a, int32_t count) {
 }
 
 [[gnu::noinline]] void extend(DA_array *a, int32_t count) {
-    if (!grow(a, count)) vorn::raise(kFile, kLineExtend, vorn::kNoMemory);
+    if (!grow(a, count)) vorn::raise(vorn::raises::DA_RAISE_EXTEND_NO_MEMORY);
 }
 
 inline void ensure(DA_array *a, int64_t needed) {
@@ -71,9 +65,9 @@ inline void ensure(DA_array *a, int64_t needed) {
         extend(a, static_cast<int32_t>(needed));
 }
 
-DA_array *new_array(int32_t item_size, int32_t increment, int32_t line) {
+DA_array *new_array(int32_t item_size, int32_t increment, const vorn::RaiseSite &no_memory) {
     DA_array *a = vorn::alloc_record<DA_array>();
-    if (!a) vorn::raise(kFile, line, vorn::kNoMemory);
+    if (!a) vorn::raise(no_memory);
     *a = DA_array{item_size, increment, 0, 0, nullptr};
     return a;
 }
@@ -135,7 +129,7 @@ extern "C" {
 // ---- life and size ----------------------------------------------------------
 
 DA_array *DA_create(int32_t item_size, int32_t increment) {
-    return new_array(item_size, increment, kLineCreate);
+    return new_array(item_size, increment, vorn::raises::DA_RAISE_CREATE_NO_MEMORY);
 }
 
 void DA_release(DA_array *array) {
@@ -241,12 +235,12 @@ char *DA_string(DA_array *array) {
 // ---- whole arrays -----------------------------------------------------------
 
 DA_array *DA_copy(DA_array *array) {
-    DA_array *copy = new_array(array->item_size, array->increment, kLineCopy);
+    DA_array *copy = new_array(array->item_size, array->increment, vorn::raises::DA_RAISE_COPY_NO_MEMORY);
     // A block that cannot be had takes the new record with it, so that the
     // raise leaves nothing allocated.
     if (array->nitems > 0 && !grow(copy, array->nitems)) {
         vorn::free_record(copy);
-        vorn::raise(kFile, kLineExtend, vorn::kNoMemory);
+        vorn::raise(vorn::raises::DA_RAISE_EXTEND_NO_MEMORY);
     }
     take_items(copy, array);
     return copy;
@@ -254,7 +248,7 @@ DA_array *DA_copy(DA_array *array) {
 
 void DA_copy_into(DA_array *destination, DA_array *source) {
     if (destination->item_size != source->item_size)
-        vorn::raise(kFile, kLineCopyInto, vorn::kBrokenState);
+        vorn::raise(vorn::raises::DA_RAISE_COPY_INTO_SIZES_DIFFER);
     free_block(destination);
     take_items(destination, source);  // so the same array twice ends empty
 }

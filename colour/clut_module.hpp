@@ -11,9 +11,9 @@
 
 namespace vorn::clut {
 
-inline constexpr const char *kFile = "rgblut";
+namespace raises = vorn::raises;  // the CLUT_RAISE_ entries
 
-[[noreturn]] inline void fail(int32_t line) { vorn::raise(kFile, line, kBrokenState); }
+[[noreturn]] inline void fail(const RaiseSite &site) { vorn::raise(site); }
 
 // All zero before start-up except hard_open.
 extern int32_t clut_initialised;    // 1 once RGBLUT_init has begun

@@ -161,7 +161,7 @@ void set_system_colour(int32_t index, int32_t number) {
 }  // namespace
 
 extern "C" void RGBLUT_init(int32_t entries, CLUT_callback_fn callback) {
-    if (clut_initialised) fail(100);
+    if (clut_initialised) fail(raises::CLUT_RAISE_INIT_TWICE);
     clut_initialised = 1;
 
     if (entries == 0 && callback == nullptr)
@@ -177,7 +177,7 @@ extern "C" void RGBLUT_init(int32_t entries, CLUT_callback_fn callback) {
     clut_colours = static_cast<CLUT_colour *>(std::calloc(n, sizeof(CLUT_colour)));
 
     for (int32_t *word : kNamed) *word = clut_first_free++;
-    if (clut_first_free > entries) fail(165);  // nothing written yet
+    if (clut_first_free > entries) fail(raises::CLUT_RAISE_INIT_TOO_SMALL);  // nothing written yet
 
     for (const NamedSet &s : kSets) {
         if (s.system == kNoSystemColour)

@@ -1,6 +1,7 @@
 // CLUT: the process-wide colour table, its index states and the free-index
 // cursor.  The table is two parallel calloc arrays created by RGBLUT_init;
-// nothing here allocates.  Every failure is (rgblut, line, 4297).
+// nothing here allocates.  Every failure is a CLUT_RAISE_ entry of
+// vorn_raises.h.
 
 #include <cstddef>
 #include <cstdint>
@@ -24,8 +25,8 @@ int32_t clut_overflow_told = 0;
 
 namespace {
 
-void require_table(int32_t line) {
-    if (!clut_initialised) fail(line);
+void require_table(const RaiseSite &site) {
+    if (!clut_initialised) fail(site);
 }
 
 // The state of an index; indices outside the table have none of the three.
@@ -50,16 +51,16 @@ extern "C" {
 VORN_API int32_t clut_debug = 0;
 
 void CLUT_alloc(int32_t index) {
-    require_table(243);
-    if (!clut_hard_open) fail(244);
-    if (state_of(index) != CLUT_FREE) fail(245);
+    require_table(raises::CLUT_RAISE_ALLOC_NO_TABLE);
+    if (!clut_hard_open) fail(raises::CLUT_RAISE_ALLOC_HARD_CLOSED);
+    if (state_of(index) != CLUT_FREE) fail(raises::CLUT_RAISE_ALLOC_NOT_FREE);
     clut_state[index] = CLUT_HARD;
     if (clut_debug) Tprintf("CLUT alloc %d\n", index);
 }
 
 void CLUT_set(int32_t index, int16_t r, int16_t g, int16_t b) {
-    require_table(254);
-    if (!in_table(index)) fail(256);
+    require_table(raises::CLUT_RAISE_SET_NO_TABLE);
+    if (!in_table(index)) fail(raises::CLUT_RAISE_SET_OUTSIDE);
     if (clut_state[index] == CLUT_FREE) CLUT_alloc(index);
     // The callback hears the new colour while the table holds the old one.
     if (clut_callback) clut_callback(index, r, g, b);
@@ -72,9 +73,9 @@ void CLUT_set_RGB(int32_t index, float r, float g, float b) {
 }
 
 void CLUT_copy(int32_t destination, int32_t source) {
-    require_table(363);
-    if (!in_table(destination) || !in_table(source)) fail(365);
-    if (clut_state[destination] == CLUT_FREE || clut_state[source] == CLUT_FREE) fail(366);
+    require_table(raises::CLUT_RAISE_COPY_NO_TABLE);
+    if (!in_table(destination) || !in_table(source)) fail(raises::CLUT_RAISE_COPY_OUTSIDE);
+    if (clut_state[destination] == CLUT_FREE || clut_state[source] == CLUT_FREE) fail(raises::CLUT_RAISE_COPY_FREE);
     const CLUT_colour c = clut_colours[source];
     clut_colours[destination] = c;
     // Unlike CLUT_set, the table already holds the new colour here.
@@ -82,13 +83,13 @@ void CLUT_copy(int32_t destination, int32_t source) {
 }
 
 int32_t CLUT_get(int32_t index, int16_t *r, int16_t *g, int16_t *b) {
-    require_table(333);
+    require_table(raises::CLUT_RAISE_GET_NO_TABLE);
     int32_t result = 1;
     if (!in_table(index)) {
         index = GE_GREEN;
         result = 0;
     }
-    // GE_GREEN lies beyond the table only after a start-up that raised 165.
+    // GE_GREEN lies beyond the table only after a start-up that raised CLUT_RAISE_INIT_TOO_SMALL.
     const CLUT_colour c = in_table(index) ? clut_colours[index] : CLUT_colour{0, 0, 0};
     *r = c.r;
     *g = c.g;
@@ -98,7 +99,7 @@ int32_t CLUT_get(int32_t index, int16_t *r, int16_t *g, int16_t *b) {
 }
 
 int32_t CLUT_getID(int16_t r, int16_t g, int16_t b) {
-    require_table(351);
+    require_table(raises::CLUT_RAISE_GET_ID_NO_TABLE);
     for (int32_t i = 0; i < clut_size; ++i) {
         const CLUT_colour &c = clut_colours[i];
         if (c.r == r && c.g == g && c.b == b) return i;
@@ -107,7 +108,7 @@ int32_t CLUT_getID(int16_t r, int16_t g, int16_t b) {
 }
 
 int32_t CLUT_new_index(void) {
-    require_table(277);
+    require_table(raises::CLUT_RAISE_NEW_INDEX_NO_TABLE);
     clut_hard_open = 0;  // on every call, even one that overflows
     while (clut_first_free < clut_size && clut_state[clut_first_free] != CLUT_FREE) ++clut_first_free;
     if (clut_first_free < clut_size) {
@@ -127,9 +128,9 @@ int32_t CLUT_new_index(void) {
 
 void CLUT_release_index(int32_t index) {
     debug_break();
-    require_table(307);
+    require_table(raises::CLUT_RAISE_RELEASE_NO_TABLE);
     if (index == GE_GREEN) return;  // what an overflow gave out; stays hard
-    if (state_of(index) != CLUT_DYNAMIC) fail(309);
+    if (state_of(index) != CLUT_DYNAMIC) fail(raises::CLUT_RAISE_RELEASE_NOT_DYNAMIC);
     if (clut_debug) Tprintf("CLUT_release_index : %d\n", index);
     clut_state[index] = CLUT_FREE;  // the colour stays in the entry
     if (index < clut_first_free) clut_first_free = index;

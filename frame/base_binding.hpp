@@ -9,13 +9,25 @@
 #include <new>
 
 #include "vorn_base.h"
+#include "vorn_raises.h"
 
 namespace vorn {
 
-// Failure codes.
-inline constexpr int32_t kNoMemory = 4197;      // no memory block obtained
-inline constexpr int32_t kBrokenState = 4297;   // broken precondition or inconsistency
-inline constexpr int32_t kNotInTable = 4397;    // pointer or identifier not held
+// One raise of the table in vorn_raises.h: the identity handed to
+// EX_raise_exception_line.  The library spells no file, line or code of a
+// raise anywhere else; raise sites name their entry, vorn::raises::ID.
+struct RaiseSite {
+    const char *file;
+    int32_t line;
+    int32_t code;
+};
+
+namespace raises {
+#define VORN_RAISE_SITE(id, file, line, code, operations, condition) \
+    inline constexpr RaiseSite id{file, line, code};
+VORN_RAISES(VORN_RAISE_SITE)
+#undef VORN_RAISE_SITE
+}  // namespace raises
 
 // A block for one T.  Content unspecified; T must be trivially copyable,
 // since records are plain C data.
@@ -29,8 +41,8 @@ inline void free_record(T *record, std::size_t bytes = sizeof(T)) {
     MM_dealloc_item(record, bytes);
 }
 
-[[noreturn]] inline void raise(const char *file, int32_t line, int32_t code) {
-    EX_raise_exception_line(file, line, code);
+[[noreturn]] inline void raise(const RaiseSite &site) {
+    EX_raise_exception_line(site.file, site.line, site.code);
 }
 
 // Copies n bytes of an item; the usual item sizes become fixed-size moves

@@ -20,9 +20,9 @@
  * operations on one thread or serialise them.  The colour callback runs on the
  * calling thread, inside CLUT_set (before the store) or CLUT_copy (after it).
  *
- * Failures raise through EX_raise_exception_line with the file "rgblut" and
- * the code 4297.  Every operation but CLUT_set_RGB (which reaches the test in
- * CLUT_set) and CLUT_statistics raises when the table does not exist yet.
+ * Failures are the CLUT_RAISE_ entries of vorn_raises.h (file "rgblut").
+ * Every operation but CLUT_set_RGB (which reaches the test in CLUT_set) and
+ * CLUT_statistics raises when the table does not exist yet.
  *
  * Messages go through Tprintf, selected by clut_debug: 0 prints nothing (but
  * CLUT_statistics); any other value prints the allocation messages
@@ -41,6 +41,7 @@
 #define VORN_CLUT_H
 
 #include "vorn_base.h"
+#include "vorn_raises.h"
 
 #ifdef __cplusplus
 extern "C" {
@@ -74,28 +75,31 @@ extern VORN_API int32_t clut_debug;
  * indices 0 to 33, 33 colours are written with CLUT_set and 11 copies made
  * with CLUT_copy (the callback hears all 44, in this order), the three system
  * colours coming from GetSysColor (15, 13, 14), and indices 0 to 33 are hard.
- * Raises line 100 on a second call (before it changes anything) and line 165
- * when the count is below 34 (after the GE_ words got their indices, before
- * any entry is written).  A negative count takes no memory and raises 165. */
+ * Raises CLUT_RAISE_INIT_TWICE on a second call (before it changes anything)
+ * and CLUT_RAISE_INIT_TOO_SMALL when the count is below 34 (after the GE_
+ * words got their indices, before any entry is written); a negative count
+ * takes no memory and raises the latter. */
 VORN_API void RGBLUT_init(int32_t entries, CLUT_callback_fn callback);
 
 /* ---- hard indices ---- */
 
 /* Makes a free index hard; prints "CLUT alloc %d\n" with clut_debug
- * non-zero.  Does not move the free-index cursor.  Raises 243 before
- * start-up, 244 after the first CLUT_new_index, 245 when the index is not
- * free; a negative index, or one beyond the table, counts as not free. */
+ * non-zero.  Does not move the free-index cursor.  Raises
+ * CLUT_RAISE_ALLOC_NO_TABLE before start-up, CLUT_RAISE_ALLOC_HARD_CLOSED
+ * after the first CLUT_new_index, CLUT_RAISE_ALLOC_NOT_FREE when the index is
+ * not free; a negative index, or one beyond the table, counts as not free. */
 VORN_API void CLUT_alloc(int32_t index);
 
 /* ---- colours ---- */
 
 /* Writes a colour.  A free index is first claimed hard through CLUT_alloc
- * (so after the first CLUT_new_index that raises 244); hard and dynamic
+ * (so after the first CLUT_new_index that raises
+ * CLUT_RAISE_ALLOC_HARD_CLOSED); hard and dynamic
  * indices can be set again and again and keep their state.  The callback, if
  * any, hears (index, r, g, b) while the table still holds the old colour; then
  * the colour is stored and, with clut_debug > 1, "set index : ..." printed.
- * Raises 254 before start-up, 256 when the index is at or beyond the table
- * size (a negative index too). */
+ * Raises CLUT_RAISE_SET_NO_TABLE before start-up, CLUT_RAISE_SET_OUTSIDE
+ * when the index is at or beyond the table size (a negative index too). */
 VORN_API void CLUT_set(int32_t index, int16_t r, int16_t g, int16_t b);
 
 /* CLUT_set with components in floating point, 1.0 for full intensity: each is
@@ -106,22 +110,23 @@ VORN_API void CLUT_set_RGB(int32_t index, float r, float g, float b);
 
 /* Copies the colour of `source` into `destination`, then calls the callback
  * with the destination index and the new colour (the table already holds
- * it).  Prints nothing.  Raises 363 before start-up, 365 when either index is
- * at or beyond the table size (a negative index too), 366 when either index
- * is free. */
+ * it).  Prints nothing.  Raises CLUT_RAISE_COPY_NO_TABLE before start-up,
+ * CLUT_RAISE_COPY_OUTSIDE when either index is at or beyond the table size
+ * (a negative index too), CLUT_RAISE_COPY_FREE when either index is free. */
 VORN_API void CLUT_copy(int32_t destination, int32_t source);
 
 /* Reads a colour through the three pointers and gives 1.  An index at or
  * beyond the table size (a negative index too) reads the entry of GE_GREEN
  * instead and gives 0; should that entry lie beyond the table as well (only
- * after a start-up that raised 165), the colour read is 0, 0, 0.  The state is
+ * after a start-up that raised CLUT_RAISE_INIT_TOO_SMALL), the colour read is 0, 0, 0.  The state is
  * not looked at.  With clut_debug > 1 prints "get index : %d : %d %d %d\n"
- * with the index really read.  Raises 333 before start-up. */
+ * with the index really read.  Raises CLUT_RAISE_GET_NO_TABLE before
+ * start-up. */
 VORN_API int32_t CLUT_get(int32_t index, int16_t *r, int16_t *g, int16_t *b);
 
 /* The lowest index whose colour equals (r, g, b), whatever its state (a
- * released index keeps its colour and can match), or -1.  Raises 351 before
- * start-up. */
+ * released index keeps its colour and can match), or -1.  Raises
+ * CLUT_RAISE_GET_ID_NO_TABLE before start-up. */
 VORN_API int32_t CLUT_getID(int16_t r, int16_t g, int16_t b);
 
 /* ---- dynamic indices ---- */
@@ -131,15 +136,17 @@ VORN_API int32_t CLUT_getID(int16_t r, int16_t g, int16_t b);
  * clut_debug non-zero.  A full table is no failure: it gives the index in
  * GE_GREEN and changes no state; with clut_debug non-zero the first such
  * overflow of the process prints "CLUT OVERFLOW\n" (an overflow under
- * clut_debug 0 is not noted).  Raises 277 before start-up. */
+ * clut_debug 0 is not noted).  Raises CLUT_RAISE_NEW_INDEX_NO_TABLE
+ * before start-up. */
 VORN_API int32_t CLUT_new_index(void);
 
 /* Calls debug_break, then gives a dynamic index back: it becomes free and
  * keeps its colour, and the next CLUT_new_index may hand it out again.  The
  * index in GE_GREEN is accepted and nothing is done, so what an overflow gave
  * can be given back.  Prints "CLUT_release_index : %d\n" with clut_debug
- * non-zero.  Raises 307 before start-up, 309 when the index is not dynamic
- * (a negative index, or one beyond the table, counts as not dynamic). */
+ * non-zero.  Raises CLUT_RAISE_RELEASE_NO_TABLE before start-up,
+ * CLUT_RAISE_RELEASE_NOT_DYNAMIC when the index is not dynamic (a negative
+ * index, or one beyond the table, counts as not dynamic). */
 VORN_API void CLUT_release_index(int32_t index);
 
 /* Prints, in any state of the module and whatever clut_debug says:

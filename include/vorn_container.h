@@ -15,6 +15,7 @@
 #define VORN_CONTAINER_H
 
 #include "vorn_base.h"
+#include "vorn_raises.h"
 
 #include "vorn_gl.h"
 #include "vorn_el.h"

@@ -24,14 +24,15 @@
  * have moved up), so a source inside the array's own block is the caller's
  * risk.
  *
- * Failures (EX_raise_exception_line, file "darray"):
- *   line  25 code 4197  DA_create: no memory for the record
- *   line 103 code 4197  DA_extend, so every growing operation: no memory for
- *                       the block; `data` is then null while `nalloc` and
- *                       `nitems` keep their old values (the old block is not
- *                       freed: the raise undoes nothing)
- *   line 263 code 4197  DA_copy: no memory for the record
- *   line 281 code 4297  DA_copy_into: item sizes differ; nothing changed
+ * Failures are the DA_RAISE_ entries of vorn_raises.h (file "darray"):
+ *   DA_RAISE_CREATE_NO_MEMORY        DA_create: no memory for the record
+ *   DA_RAISE_EXTEND_NO_MEMORY        DA_extend, so every growing operation:
+ *                       no memory for the block; `data` is then null while
+ *                       `nalloc` and `nitems` keep their old values (the old
+ *                       block is not freed: the raise undoes nothing)
+ *   DA_RAISE_COPY_NO_MEMORY          DA_copy: no memory for the record
+ *   DA_RAISE_COPY_INTO_SIZES_DIFFER  DA_copy_into: item sizes differ;
+ *                       nothing changed
  * The temporaries of DA_reverse and DA_roll are not tested for null.
  *
  * An array belongs to one thread at a time; the family keeps no other state.
@@ -40,6 +41,7 @@
 #define VORN_DA_H
 
 #include "vorn_base.h"
+#include "vorn_raises.h"
 
 #ifdef __cplusplus
 extern "C" {
@@ -79,8 +81,8 @@ struct DA_iter {
 
 /* ---- life and size ---- */
 
-/* A new array: nalloc and nitems 0, data null; no block yet.  Raises line 25
- * when the record cannot be had.  The arguments are not checked. */
+/* A new array: nalloc and nitems 0, data null; no block yet.  Raises
+ * DA_RAISE_CREATE_NO_MEMORY when the record cannot be had.  The arguments are not checked. */
 VORN_API DA_array *DA_create(int32_t item_size, int32_t increment);
 /* Frees the block (with nalloc * item_size bytes) if there is one, then the
  * record.  A null array does nothing.  The caller's word is not cleared. */
@@ -100,7 +102,8 @@ VORN_API void DA_setsize(DA_array *array, int32_t count);
  * smallest multiple of increment not below count when count >= 1; count 0
  * gives one step when increment >= 2 and nothing when it is 1.  If that
  * exceeds nalloc the block is allocated or resized to it and the added
- * bytes are zeroed.  Raises line 103 when no block is obtained. */
+ * bytes are zeroed.  Raises DA_RAISE_EXTEND_NO_MEMORY when no block is
+ * obtained. */
 VORN_API void DA_extend(DA_array *array, int32_t count);
 VORN_API int32_t DA_nitems(DA_array *array);
 /* Capacity in items. */
@@ -148,7 +151,8 @@ VORN_API char *DA_string(DA_array *array);
 /* A new array of the same item_size and increment holding a copy of the
  * nitems items; its capacity is rounded up from the source's count (an
  * empty source gives a copy without a block).  Bytes behind the items are
- * not copied.  Raises line 263 for the record, line 103 for the block. */
+ * not copied.  Raises DA_RAISE_COPY_NO_MEMORY for the record,
+ * DA_RAISE_EXTEND_NO_MEMORY for the block (the new record is then freed). */
 VORN_API DA_array *DA_copy(DA_array *array);
 /* Replaces the destination's items by a copy of the source's.  Raises line
  * 281 when the item sizes differ, with the destination untouched.

@@ -16,7 +16,7 @@
  * duplicate, never "greater", never nearer.
  *
  * DBLL raises nothing of its own; DBLL_roll and DBLL_replace_doubles_inbetween
- * raise through EL (egenlist 987 and 555, code 4297).
+ * raise through EL (EL_RAISE_ROLL_NO_PREV, EL_RAISE_REPLACE_SOURCE_SHORT).
  */
 #ifndef VORN_DBLL_H
 #define VORN_DBLL_H
@@ -40,7 +40,7 @@ VORN_API int32_t DBLL_remove_at_index(EL_list *list, int32_t index);
 VORN_API void DBLL_remove_double(EL_list *list, EL_node *pos); /* EL_remove_item: by position */
 VORN_API void DBLL_reset_closed(EL_list *list);
 VORN_API void DBLL_reverse(EL_list *list);
-VORN_API void DBLL_roll(EL_list *list, EL_node *pos); /* raises egenlist 987 as EL_roll */
+VORN_API void DBLL_roll(EL_list *list, EL_node *pos); /* raises EL_RAISE_ROLL_NO_PREV as EL_roll */
 VORN_API void DBLL_set_closed(EL_list *list);
 VORN_API int32_t DBLL_size(EL_list *list);                                  /* EL_count_items */
 VORN_API int32_t DBLL_size_inbetween(EL_list *list, EL_node *from, EL_node *to); /* EL_count_items_inbetween */
@@ -58,8 +58,8 @@ VORN_API EL_node *DBLL_insert_after_index(EL_list *list, int32_t index, double v
 VORN_API EL_node *DBLL_insert_before_index(EL_list *list, int32_t index, double value);
 /* Overwrites the value at `pos`. */
 VORN_API void DBLL_replace_double(EL_node *pos, double value);
-/* EL_replace_items_inbetween with 8 bytes: raises egenlist 555 code 4297
- * when `source` has fewer values than the range. */
+/* EL_replace_items_inbetween with 8 bytes: raises
+ * EL_RAISE_REPLACE_SOURCE_SHORT when `source` has fewer values than the range. */
 VORN_API void DBLL_replace_doubles_inbetween(EL_list *list, EL_node *from, EL_node *to,
                                              EL_list *source);
 VORN_API EL_iter DBLL_all_doubles(EL_list *list);

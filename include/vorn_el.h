@@ -20,8 +20,9 @@
  * next insertion links itself again.  Index operations end at `last` and
  * never wrap; EL_advance follows links, so it wraps on a ring.
  *
- * Failures: only EL_replace_items_inbetween (egenlist 555) and EL_roll
- * (egenlist 987) raise, both with code 4297.  Everything else is quiet: an
+ * Failures: only EL_replace_items_inbetween (EL_RAISE_REPLACE_SOURCE_SHORT)
+ * and EL_roll (EL_RAISE_ROLL_NO_PREV) raise; the table is vorn_raises.h.
+ * Everything else is quiet: an
  * index out of range gives 0 or null and changes nothing.  Arguments are not
  * tested: a position must belong to the list it is given with, and a range
  * `to` on a ring must be a position of that ring (a walk towards anything
@@ -31,6 +32,7 @@
 #define VORN_EL_H
 
 #include "vorn_base.h"
+#include "vorn_raises.h"
 
 #ifdef __cplusplus
 extern "C" {
@@ -141,8 +143,8 @@ VORN_API void EL_replace_item(EL_node *pos, const void *source, int32_t size);
 /* Walks forward from `from` to `to` and, beside it, over all of `source`;
  * at each position of the range copies `size` bytes of the next source
  * element over the element there.  Surplus source items are ignored, the
- * source is not changed, and a null `from` does nothing.  Raises egenlist
- * 555 code 4297 when the source runs out; the items before are already
+ * source is not changed, and a null `from` does nothing.  Raises
+ * EL_RAISE_REPLACE_SOURCE_SHORT when the source runs out; the items before are already
  * overwritten. */
 VORN_API void EL_replace_items_inbetween(EL_list *list, EL_node *from, EL_node *to,
                                          EL_list *source, int32_t size);
@@ -176,7 +178,7 @@ VORN_API void EL_set_closed(EL_list *list);
 /* Opens the ring at its seam: first->prev and last->next become null. */
 VORN_API void EL_reset_closed(EL_list *list);
 /* On a ring, makes `pos` first and its prev last; no link changes.  Raises
- * egenlist 987 code 4297 when pos->prev is null (the first item of an open
+ * EL_RAISE_ROLL_NO_PREV when pos->prev is null (the first item of an open
  * list).  On an open list any other position changes nothing. */
 VORN_API void EL_roll(EL_list *list, EL_node *pos);
 /* Opens a ring at `pos`: a copy of its element is inserted before it and

@@ -25,14 +25,15 @@
  * not call any GT operation, and the callers serialise all GT work across all
  * trees and threads.
  *
- * Failures raise EX_raise_exception_line("gentree", line, 4297) and do not
- * come back; the state at each raise is told with the operation.  Handles,
+ * Failures are the GT_RAISE_ entries of vorn_raises.h (file "gentree") and do
+ * not come back; the state at each raise is told with the operation.  Handles,
  * positions and iterators must be live unless an operation says otherwise.
  */
 #ifndef VORN_GT_H
 #define VORN_GT_H
 
 #include "vorn_base.h"
+#include "vorn_raises.h"
 #include "vorn_gl.h"
 
 #ifdef __cplusplus
@@ -97,7 +98,8 @@ VORN_API GT_tree *GT_create_with_dupl_not_allowed(GT_compare_fn compare);
  * an iterator standing directly ahead of the new node delivers it next.  In
  * a tree without duplicates an equal item already present makes it give that
  * node's position, storing and allocating nothing (tell the outcomes apart by
- * the node's `item`).  Raises 1177 / 1232 only on a node whose `balance` was
+ * the node's `item`).  Raises GT_RAISE_LEFT_GREW_BAD_BALANCE or
+ * GT_RAISE_RIGHT_GREW_BAD_BALANCE only on a node whose `balance` was
  * corrupted outside -1..1 (the new node is then in place).  A null tree gives
  * null. */
 VORN_API GT_node *GT_insert_item(GT_tree *tree, void *item);
@@ -115,21 +117,25 @@ VORN_API int32_t GT_search_item(GT_tree *tree, void *item, GT_node **pos_out);
 
 /* Removes the node at `pos`, reached by a walk steered by compare.  Every
  * other position stays valid: a node with two children is replaced by its
- * predecessor node, items never move.  Raises 477 (tree unchanged) if the
- * walk misses: `pos` is not in this tree, its item no longer sorts where it
+ * predecessor node, items never move.  Raises GT_RAISE_REMOVE_MISSED (tree unchanged) if
+ * the walk misses: `pos` is not in this tree, its item no longer sorts where it
  * stands, or `pos` or the tree is null. */
 VORN_API void GT_remove_item(GT_tree *tree, GT_node *pos);
 /* As GT_remove_item, but a miss is followed by a walk of the whole tree, so
- * an item whose key changed since insertion is removed too.  Raises 541
- * (unchanged) only if `pos` is not in this tree (or is null). */
+ * an item whose key changed since insertion is removed too.  Raises
+ * GT_RAISE_GLOBAL_MISSED (unchanged) only if `pos` is not in this tree (or is null). */
 VORN_API void GT_remove_item_global(GT_tree *tree, GT_node *pos);
-/* Removes the node that GT_find_item would find for `item`.  Raises 562
- * (unchanged) if there is none (also for a null tree), 575 (unchanged) if a
+/* Removes the node that GT_find_item would find for `item`.  Raises
+ * GT_RAISE_FIND_AND_REMOVE_NO_ITEM (unchanged) if there is none (also for a
+ * null tree), GT_RAISE_FIND_AND_REMOVE_MISSED (unchanged) if a
  * self-contradicting compare steers the removal walk away from it. */
 VORN_API void GT_find_and_remove_item(GT_tree *tree, void *item);
-/* Removes the first node in sorted order, calling no callback.  Raises 1423
- * (unchanged) on an empty or null tree, and 1724 if the tree's `first` was
- * corrupted to a node with a left child. */
+/* Removes the first node in sorted order, calling no callback.  Raises
+ * GT_RAISE_REMOVE_FIRST_EMPTY (unchanged) on an empty or null tree.  A
+ * `first` corrupted to a node with a left child raises
+ * GT_RAISE_REMOVE_HAS_LEFT only when that node also has a right child; with
+ * no right child the node is unlinked and its left subtree drops out of the
+ * tree unnoticed. */
 VORN_API void GT_remove_first_item(GT_tree *tree);
 
 /* ---- iteration ----
@@ -159,18 +165,19 @@ VORN_API GT_iter *GT_from_next_while_conditioned(GT_iter *source, GT_test_fn tes
  * over, and then the iterator is freed and *item_out untouched.  The next
  * node is held before the test runs, so the item just delivered may be
  * removed between steps.  A test must not remove the node under test, end
- * this iterator, or empty or release the tree.  Raises 892 (record not
- * freed) if the walk is over and the iterator is not on its tree's list.  An
+ * this iterator, or empty or release the tree.  Raises
+ * GT_RAISE_STEP_NOT_REGISTERED (record not freed) if the walk is over and the iterator is not on its tree's list.  An
  * orphaned iterator (tree released) returns 0 and is freed. */
 VORN_API int32_t GT_next_item(GT_iter *iter, void **item_out);
-/* As GT_next_item, delivering the position; raises 933 in its place. */
+/* As GT_next_item, delivering the position; raises
+ * GT_RAISE_STEP_POSITION_NOT_REGISTERED in its place. */
 VORN_API int32_t GT_next_position(GT_iter *iter, GT_node **pos_out);
 /* Writes the current item through *item_out and gives 1 if that word is not
  * 0, else 0.  With no current node (nothing delivered yet, or its node
  * removed, or the tree emptied or released) writes null and gives 0. */
 VORN_API int32_t GT_current_item(GT_iter *iter, void **item_out);
-/* Ends a walk that is not over and frees the record.  Raises 958 (record not
- * freed) if the iterator is not on its tree's list.  Frees an orphan. */
+/* Ends a walk that is not over and frees the record.  Raises
+ * GT_RAISE_END_NOT_REGISTERED (record not freed) if the iterator is not on its tree's list.  Frees an orphan. */
 VORN_API void GT_end_iterator(GT_iter *iter);
 
 /* ---- whole tree ---- */

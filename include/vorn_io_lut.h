@@ -22,20 +22,23 @@
  * The record is an MM_ block owned by the caller from a creator to
  * io_lut_release; the array or the hash table is owned by the record.
  *
- * Failures (EX_raise_exception_line, file "plut"):
- *   line  85 code 4297  io_lut_set: read table with overwrite 0, id below
- *                       nitems, and the slot differs from the pointer
- *   line 105 code 4397  io_lut_get_ptr: id below 1, not below nitems, or a hole
- *   line 201 code 4397  io_lut_get_id: read table, no slot from 1 up equals
- *                       the pointer
- *   line 210 code 4397  io_lut_get_id: write table, a non-null pointer with
- *                       no identifier
- * The array raises as DA does (file "darray") when it cannot grow.
+ * Failures are the IO_LUT_RAISE_ entries of vorn_raises.h (file "plut"):
+ *   IO_LUT_RAISE_SET_SLOT_TAKEN  io_lut_set: read table with overwrite 0, id
+ *                                below nitems, the slot differs from the pointer
+ *   IO_LUT_RAISE_NO_POINTER      io_lut_get_ptr: id below 1, not below nitems,
+ *                                or a hole
+ *   IO_LUT_RAISE_READ_NO_ID      io_lut_get_id: read table, no slot from 1 up
+ *                                equals the pointer
+ *   IO_LUT_RAISE_WRITE_NO_ID     io_lut_get_id: write table, a non-null
+ *                                pointer with no identifier
+ * The array of a read table raises as DA does (DA_RAISE_CREATE_NO_MEMORY,
+ * DA_RAISE_EXTEND_NO_MEMORY) when it cannot be had or grow.
  */
 #ifndef VORN_IO_LUT_H
 #define VORN_IO_LUT_H
 
 #include "vorn_base.h"
+#include "vorn_raises.h"
 #include "vorn_da.h"
 #include "vorn_hsh.h"
 
@@ -83,7 +86,7 @@ VORN_API int32_t io_lut_add(io_lut_table *table, void *pointer);
 
 /* Gives `pointer` the identifier `id`.
  * Read: with overwrite 0, an id below nitems whose slot differs from the
- * pointer raises (line 85; a hole differs from any non-null pointer);
+ * pointer raises (IO_LUT_RAISE_SET_SLOT_TAKEN; a hole differs from any non-null pointer);
  * otherwise the slot takes the pointer, an id at or beyond the end
  * lengthening the array with holes.  A negative id (outside the contract)
  * changes nothing.
@@ -98,15 +101,15 @@ VORN_API void io_lut_set(io_lut_table *table, void *pointer, int32_t id);
 VORN_API void io_lut_remove(io_lut_table *table, void *pointer);
 
 /* The pointer's identifier.  Read: the lowest slot from 1 equal to it (null
- * finds the first hole); none raises at line 201.  Write: null gives 0
+ * finds the first hole); none raises IO_LUT_RAISE_READ_NO_ID.  Write: null gives 0
  * without raising; otherwise its identifier, and none (or a stored 0) raises
- * at line 210. */
+ * IO_LUT_RAISE_WRITE_NO_ID. */
 VORN_API int32_t io_lut_get_id(io_lut_table *table, void *pointer);
 /* As io_lut_get_id, but a miss gives 0 and nothing raises. */
 VORN_API int32_t io_lut_look_id(io_lut_table *table, void *pointer);
 
 /* Read tables: the pointer of identifier `id`, which must be in 1 to
- * nitems - 1 and not a hole, else raises at line 105.  On a write table
+ * nitems - 1 and not a hole, else raises IO_LUT_RAISE_NO_POINTER.  On a write table
  * (outside the contract) every id is a miss. */
 VORN_API void *io_lut_get_ptr(io_lut_table *table, int32_t id);
 /* As io_lut_get_ptr, but a miss gives null and nothing raises. */

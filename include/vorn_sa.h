@@ -16,7 +16,7 @@
  * `count` expect every number in 0 .. count - 1.
  *
  * SA raises nothing of its own.  SA_add_number can raise the growth failure
- * of DA (file "darray", line 103, code 4197); SA_adapt_for_reverse and
+ * of DA (DA_RAISE_EXTEND_NO_MEMORY); SA_adapt_for_reverse and
  * SA_adapt_for_roll take the untested temporaries of DA_reverse / DA_roll.
  */
 #ifndef VORN_SA_H

@@ -28,6 +28,7 @@
 #define VORN_SL_H
 
 #include "vorn_base.h"
+#include "vorn_raises.h"
 
 #ifdef __cplusplus
 extern "C" {
@@ -79,7 +80,7 @@ VORN_API SL_list *SL_total_copy(SL_list *list, SL_copy_fn copy);
  * empty and open. */
 VORN_API void SL_make_empty(SL_list *list, SL_release_fn release);
 /* Frees the head of an empty list and sets *handle to null.  A list that
- * still holds records raises (sgenlist, 74, 4297) and stays as it was.  A
+ * still holds records raises SL_RAISE_RELEASE_NOT_EMPTY and stays as it was.  A
  * handle holding null is left alone. */
 VORN_API void SL_release(SL_list **handle);
 /* As SL_make_empty, then frees the head and sets *handle to null.  The
@@ -155,8 +156,8 @@ VORN_API void SL_set_closed(SL_list *list);
 VORN_API void SL_reset_closed(SL_list *list);
 /* On a ring, makes `pos` first and its prev last; no link changes.  On an
  * open list nothing happens and `pos` is not looked at.  On a ring a `pos`
- * whose prev is null is not on the ring: raises (sgenlist, 742, 4297) and
- * changes nothing. */
+ * whose prev is null is not on the ring: raises SL_RAISE_ROLL_OFF_RING
+ * and changes nothing. */
 VORN_API void SL_roll(SL_list *list, void *pos);
 
 /* ---- walks ---- */

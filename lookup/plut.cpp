@@ -16,7 +16,6 @@ static_assert(std::is_standard_layout_v<io_lut_iter> && offsetof(io_lut_iter, co
 
 namespace {
 
-constexpr const char *kFile = "plut";
 constexpr int32_t kSlotsPerStep = 1024;
 constexpr int32_t kWriteMinimum = 1024;
 constexpr int32_t kWriteShift = 5;  // leaves the low five bits of a pointer out of the hash
@@ -89,7 +88,7 @@ void io_lut_set(io_lut_table *t, void *pointer, int32_t id) {
     if (t->pointers) {
         if (id < 0) return;
         if (!t->overwrite && id < t->pointers->nitems && slots(t)[id] != pointer)
-            vorn::raise(kFile, 85, vorn::kBrokenState);
+            vorn::raise(vorn::raises::IO_LUT_RAISE_SET_SLOT_TAKEN);
         DA_put_item(t->pointers, id, &pointer);
         return;
     }
@@ -115,12 +114,12 @@ int32_t io_lut_look_id(io_lut_table *t, void *pointer) {
 int32_t io_lut_get_id(io_lut_table *t, void *pointer) {
     if (t->pointers) {
         const int32_t id = scan(t, pointer);
-        if (!id) vorn::raise(kFile, 201, vorn::kNotInTable);
+        if (!id) vorn::raise(vorn::raises::IO_LUT_RAISE_READ_NO_ID);
         return id;
     }
     if (!pointer) return 0;
     const int32_t id = hashed_id(t, pointer);
-    if (!id) vorn::raise(kFile, 210, vorn::kNotInTable);
+    if (!id) vorn::raise(vorn::raises::IO_LUT_RAISE_WRITE_NO_ID);
     return id;
 }
 
@@ -128,7 +127,7 @@ void *io_lut_look_ptr(io_lut_table *t, int32_t id) { return slot_pointer(t, id);
 
 void *io_lut_get_ptr(io_lut_table *t, int32_t id) {
     void *p = slot_pointer(t, id);
-    if (!p) vorn::raise(kFile, 105, vorn::kNotInTable);
+    if (!p) vorn::raise(vorn::raises::IO_LUT_RAISE_NO_POINTER);
     return p;
 }
 

@@ -24,9 +24,6 @@ static_assert(offsetof(EL_iter, item_size) == offsetof(EL_iter, forward) + sizeo
 
 namespace {
 
-constexpr const char *kFile = "egenlist";
-constexpr int32_t kLineSourceShort = 555;  // EL_replace_items_inbetween
-constexpr int32_t kLineRollFirst = 987;    // EL_roll
 
 inline std::size_t node_bytes(uint16_t item_size) { return sizeof(EL_node) + item_size; }
 
@@ -181,7 +178,7 @@ void EL_replace_items_inbetween(EL_list *list, EL_node *from, EL_node *to, EL_li
     EL_iter src = EL_all_items(source);
     while (EL_node *n = fr::step<EL_node>(&range, bytes_of)) {
         EL_node *s = fr::step<EL_node>(&src, bytes_of);
-        if (!s) vorn::raise(kFile, kLineSourceShort, vorn::kBrokenState);
+        if (!s) vorn::raise(vorn::raises::EL_RAISE_REPLACE_SOURCE_SHORT);
         vorn::copy_bytes(n->item, s->item, static_cast<std::size_t>(size));
     }
 }
@@ -228,7 +225,7 @@ void EL_set_closed(EL_list *list) { fr::set_closed<EL_node>(list); }
 void EL_reset_closed(EL_list *list) { fr::reset_closed<EL_node>(list); }
 
 void EL_roll(EL_list *list, EL_node *pos) {
-    if (!pos->prev) vorn::raise(kFile, kLineRollFirst, vorn::kBrokenState);
+    if (!pos->prev) vorn::raise(vorn::raises::EL_RAISE_ROLL_NO_PREV);
     if (list->closed) fr::move_seam(list, pos);
 }
 

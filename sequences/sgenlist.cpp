@@ -24,9 +24,6 @@ static_assert(offsetof(SL_link, prev) == 0 && offsetof(SL_link, next) == sizeof(
 
 namespace {
 
-constexpr const char *kFile = "sgenlist";
-constexpr int32_t kLineReleaseNotEmpty = 74;
-constexpr int32_t kLineRollOffRing = 742;
 
 SL_link *link(void *record) { return static_cast<SL_link *>(record); }
 
@@ -67,7 +64,7 @@ void SL_make_empty(SL_list *list, SL_release_fn release) {
 void SL_release(SL_list **handle) {
     SL_list *list = *handle;
     if (!list) return;
-    if (list->count != 0) vorn::raise(kFile, kLineReleaseNotEmpty, vorn::kBrokenState);
+    if (list->count != 0) vorn::raise(vorn::raises::SL_RAISE_RELEASE_NOT_EMPTY);
     vorn::free_record(list);
     *handle = nullptr;
 }
@@ -170,7 +167,7 @@ void SL_reset_closed(SL_list *list) { fr::reset_closed<SL_link>(list); }
 void SL_roll(SL_list *list, void *pos) {
     if (!list->closed) return;
     SL_link *n = link(pos);
-    if (!n->prev) vorn::raise(kFile, kLineRollOffRing, vorn::kBrokenState);
+    if (!n->prev) vorn::raise(vorn::raises::SL_RAISE_ROLL_OFF_RING);
     fr::move_seam(list, n);
 }
 

@@ -104,7 +104,7 @@ void left_grew(GT_node **slot) {
             gt_grew = 0;
             return;
         }
-        default: fail(kLeftGrewBadBalance);
+        default: fail(raises::GT_RAISE_LEFT_GREW_BAD_BALANCE);
     }
 }
 
@@ -126,7 +126,7 @@ void right_grew(GT_node **slot) {
             gt_grew = 0;
             return;
         }
-        default: fail(kRightGrewBadBalance);
+        default: fail(raises::GT_RAISE_RIGHT_GREW_BAD_BALANCE);
     }
 }
 
@@ -351,7 +351,7 @@ int32_t remove_steered(GT_node *pos) {
 // child in a sound tree.
 void remove_first_below(GT_node **slot) {
     GT_node *n = *slot;
-    if (!n) fail(kRemoveFirstEmpty);
+    if (!n) fail(raises::GT_RAISE_REMOVE_FIRST_EMPTY);
     if (n != gt_position) {
         remove_first_below(&n->left);
         if (gt_shrunk) left_shrunk(slot);
@@ -435,35 +435,35 @@ int32_t GT_search_item(GT_tree *tree, void *item, GT_node **pos_out) {
 }
 
 void GT_remove_item(GT_tree *tree, GT_node *pos) {
-    if (!tree || !pos) fail(kRemoveMissed);
+    if (!tree || !pos) fail(raises::GT_RAISE_REMOVE_MISSED);
     gt_tree = tree;
     gt_compare = tree->compare;
-    if (!remove_steered(pos)) fail(kRemoveMissed);
+    if (!remove_steered(pos)) fail(raises::GT_RAISE_REMOVE_MISSED);
 }
 
 void GT_remove_item_global(GT_tree *tree, GT_node *pos) {
-    if (!tree || !pos) fail(kGlobalMissed);
+    if (!tree || !pos) fail(raises::GT_RAISE_GLOBAL_MISSED);
     gt_tree = tree;
     gt_compare = tree->compare;
     if (remove_steered(pos)) return;
     gt_by_compare = 0;  // the walk missed: visit the whole tree
     remove_below(&tree->root);
-    if (!gt_found) fail(kGlobalMissed);
+    if (!gt_found) fail(raises::GT_RAISE_GLOBAL_MISSED);
 }
 
 void GT_find_and_remove_item(GT_tree *tree, void *item) {
-    if (!tree) fail(kFindAndRemoveNoItem);
+    if (!tree) fail(raises::GT_RAISE_FIND_AND_REMOVE_NO_ITEM);
     gt_found = 0;
     gt_compare = tree->compare;
     gt_item = item;
     find_below(tree->root);
-    if (!gt_found) fail(kFindAndRemoveNoItem);
+    if (!gt_found) fail(raises::GT_RAISE_FIND_AND_REMOVE_NO_ITEM);
     gt_tree = tree;
-    if (!remove_steered(gt_position)) fail(kFindAndRemoveMissed);
+    if (!remove_steered(gt_position)) fail(raises::GT_RAISE_FIND_AND_REMOVE_MISSED);
 }
 
 void GT_remove_first_item(GT_tree *tree) {
-    if (!tree) fail(kRemoveFirstEmpty);
+    if (!tree) fail(raises::GT_RAISE_REMOVE_FIRST_EMPTY);
     gt_tree = tree;
     gt_found = 0;
     gt_shrunk = 0;

@@ -27,11 +27,11 @@ GT_iter *open_walk(GT_tree *tree, GT_node *start, int32_t kind, GT_test_fn test)
     return it;
 }
 
-// Deregisters and frees; `line` is raised if the record is not registered.
-void end_walk(GT_iter *it, Line line) {
+// Deregisters and frees; `unregistered` is raised if the record is not on its tree's list.
+void end_walk(GT_iter *it, const vorn::RaiseSite &unregistered) {
     if (GT_tree *tree = it->tree) {
         GL_node *entry;
-        if (!GL_find_item(tree->iterators, it, &entry)) fail(line);
+        if (!GL_find_item(tree->iterators, it, &entry)) fail(unregistered);
         GL_remove_item(tree->iterators, entry);
     }
     --gt_allocated_tree_iters;
@@ -41,7 +41,7 @@ void end_walk(GT_iter *it, Line line) {
 // One step; `deliver` writes the out argument.  `next` is advanced before the
 // test runs, so the test never sees the iterator pointing at its own node.
 template <class Deliver>
-int32_t step(GT_iter *it, Line line, Deliver deliver) {
+int32_t step(GT_iter *it, const vorn::RaiseSite &unregistered, Deliver deliver) {
     while (GT_node *n = it->next) {
         it->next = n->next;
         if (it->kind == 0 || !it->test || it->test(n->item)) {
@@ -51,7 +51,7 @@ int32_t step(GT_iter *it, Line line, Deliver deliver) {
         }
         if (it->kind == 2) break;  // the first refusal ends a while-conditioned walk
     }
-    end_walk(it, line);
+    end_walk(it, unregistered);
     return 0;
 }
 
@@ -123,11 +123,11 @@ GT_iter *GT_from_next_while_conditioned(GT_iter *source, GT_test_fn test) {
 }
 
 int32_t GT_next_item(GT_iter *iter, void **item_out) {
-    return step(iter, kStepNotRegistered, [item_out](GT_node *n) { *item_out = n->item; });
+    return step(iter, raises::GT_RAISE_STEP_NOT_REGISTERED, [item_out](GT_node *n) { *item_out = n->item; });
 }
 
 int32_t GT_next_position(GT_iter *iter, GT_node **pos_out) {
-    return step(iter, kStepPositionNotRegistered, [pos_out](GT_node *n) { *pos_out = n; });
+    return step(iter, raises::GT_RAISE_STEP_POSITION_NOT_REGISTERED, [pos_out](GT_node *n) { *pos_out = n; });
 }
 
 int32_t GT_current_item(GT_iter *iter, void **item_out) {
@@ -136,6 +136,6 @@ int32_t GT_current_item(GT_iter *iter, void **item_out) {
     return item != nullptr;
 }
 
-void GT_end_iterator(GT_iter *iter) { end_walk(iter, kEndNotRegistered); }
+void GT_end_iterator(GT_iter *iter) { end_walk(iter, raises::GT_RAISE_END_NOT_REGISTERED); }
 
 }  // extern "C"

@@ -36,24 +36,10 @@ extern int32_t gt_allocated_trees;
 extern int32_t gt_allocated_tree_items;
 extern int32_t gt_allocated_tree_iters;
 
-// Failure lines of the family; file "gentree", code 4297.
-enum Line : int32_t {
-    kRemoveMissed = 477,
-    kGlobalMissed = 541,
-    kFindAndRemoveNoItem = 562,
-    kFindAndRemoveMissed = 575,
-    kStepNotRegistered = 892,
-    kStepPositionNotRegistered = 933,
-    kEndNotRegistered = 958,
-    kLeftGrewBadBalance = 1177,
-    kRightGrewBadBalance = 1232,
-    kRemoveFirstEmpty = 1423,
-    kRemoveHasLeft = 1724,
-    kRemoveHasRight = 1756,
-    kRemoveTwoChildren = 1795,
-};
+// Failures of the family: the GT_RAISE_ entries of vorn_raises.h.
+namespace raises = vorn::raises;
 
-[[noreturn]] inline void fail(Line line) { vorn::raise("gentree", line, kBrokenState); }
+[[noreturn]] inline void fail(const vorn::RaiseSite &site) { vorn::raise(site); }
 
 // Frees a node that has left the tree and the chain.
 inline void free_node(GT_node *n) {
@@ -79,17 +65,17 @@ inline void iters_after_insert(GT_node *fresh) {
 // child), or its predecessor `p` (two children, p without a right child).
 // Each checks that shape first and raises if it fails.
 inline void iters_before_remove_no_right(GT_node *n) {
-    if (n->right) fail(kRemoveHasRight);
+    if (n->right) fail(raises::GT_RAISE_REMOVE_HAS_RIGHT);
     if (has_iters()) iters_before_remove_walk(n);
 }
 
 inline void iters_before_remove_no_left(GT_node *n) {
-    if (n->left) fail(kRemoveHasLeft);
+    if (n->left) fail(raises::GT_RAISE_REMOVE_HAS_LEFT);
     if (has_iters()) iters_before_remove_walk(n);
 }
 
 inline void iters_before_remove_two(GT_node *n, GT_node *p) {
-    if (!n->left || !n->right || p->right) fail(kRemoveTwoChildren);
+    if (!n->left || !n->right || p->right) fail(raises::GT_RAISE_REMOVE_TWO_CHILDREN);
     if (has_iters()) iters_before_remove_walk(n);
 }
 
