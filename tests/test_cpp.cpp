@@ -220,8 +220,9 @@ TEST_F(Cpp, RaisesThrowErrorsNamedFromTheTable) {
          }},
     };
     const EX_raise_handler before = EX_set_raise_handler(nullptr);
-    for (const auto &[id, provoke] : cases) {
-        const Row *want = std::find_if(std::begin(table), std::end(table), [&](const Row &r) { return std::string(r.id) == id; });
+    for (const auto &[name, provoke] : cases) {
+        const std::string id = name;  // a plain variable: lambdas capture it
+        const Row *want = std::find_if(std::begin(table), std::end(table), [&](const Row &r) { return r.id == id; });
         ASSERT_NE(want, std::end(table));
         try {
             vorn::throwing_raises guard;
