@@ -94,7 +94,6 @@ TEST_F(Cpp, WalksRemovingTheCurrentItemMatchTheReference) {
             SL_append_after_last(sl.get(), &recs[i]);
             if (!drop(keys[i])) elems.push_back(e);
         }
-        expect_walk(vorn::items<int32_t>(gl), keys, "GL before");
         for (GL_node *n : vorn::positions(gl))
             if (drop(vorn::from_word<int32_t>(n->item))) GL_remove_item(gl.get(), n);
         for (EL_node *n : vorn::positions(el.get()))
@@ -103,8 +102,6 @@ TEST_F(Cpp, WalksRemovingTheCurrentItemMatchTheReference) {
             if (drop(r.key)) SL_remove_item(sl.get(), &r);
         for (GT_node *n : vorn::positions(gt.get()))
             if (drop(vorn::from_word<int32_t>(n->item))) GT_remove_item(gt.get(), n);
-        for (int32_t k : vorn::items(gt))  // removes the same items again: none left
-            if (drop(k)) GT_find_and_remove_item(gt.get(), vorn::to_word(k));
         expect_walk(vorn::items<int32_t>(gl), kept, "GL");
         expect_walk(vorn::items(el), elems, "EL");
         std::vector<int32_t> sl_keys;
@@ -112,20 +109,17 @@ TEST_F(Cpp, WalksRemovingTheCurrentItemMatchTheReference) {
         EXPECT_EQ(sl_keys, kept) << "SL";
         expect_walk(vorn::items(gt), sorted_kept, "GT");
         expect_walk(vorn::items(da), keys, "DA");
-        std::vector<int32_t> backwards(kept.rbegin(), kept.rend());
-        expect_walk(vorn::walk<int32_t>(GL_all_items_reversed(gl.get())), backwards, "GL reversed");
+        expect_walk(vorn::walk<int32_t>(GL_all_items_reversed(gl.get())),
+                    std::vector<int32_t>(kept.rbegin(), kept.rend()), "GL reversed");
 
         // A copy of an iterator taken mid-walk delivers the same rest.
-        auto range = vorn::items<int32_t>(gl.get());
-        auto it = range.begin();
+        auto it = vorn::items<int32_t>(gl.get()).begin();
         for (size_t i = 0; i < kept.size() / 2; ++i) ++it;
-        auto copy = it;
-        EXPECT_TRUE(copy == it);
         std::vector<int32_t> rest_a, rest_b;
-        for (; it != range.end(); ++it) rest_a.push_back(*it);
-        for (; copy != range.end(); copy++) rest_b.push_back(*copy);
+        for (auto copy = it; copy != vorn::sentinel{}; copy++) rest_a.push_back(*copy);
+        for (; it != vorn::sentinel{}; ++it) rest_b.push_back(*it);
+        EXPECT_EQ(rest_a, std::vector<int32_t>(kept.begin() + long(kept.size() / 2), kept.end()));
         EXPECT_EQ(rest_a, rest_b);
-        EXPECT_EQ(rest_a.size(), kept.size() - kept.size() / 2);
     }
 }
 
@@ -272,8 +266,6 @@ TEST_F(Cpp, OwnersReleaseExactlyWhatTheyHold) {
     expect_walk(vorn::items<int *>(r.get()), std::vector<int *>{&objects[0], &objects[2]}, "io_lut");
     vorn::lookup lu;
     vorn_lu_add(lu.get(), vorn::to_word(1), vorn::to_word(2));
-    vorn::io_lut_write w;
-    vorn::es_stack<Elem> s;
 }
 
 // Dictionaries built and read with C++ strings; the text form reads back.
