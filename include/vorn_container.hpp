@@ -43,7 +43,8 @@
  * ranges (a copy of an iterator walks on by itself) and borrowed views; the
  * range holds only the record.  A GT walk is an input range that owns its
  * registered iterator: it ends it when the range dies, so a `break`, a
- * `return` or an exception leaves no iterator open on the tree.
+ * `return` or an exception leaves no iterator open on the tree (a walk kept
+ * past the release of its tree frees the orphaned record the same way).
  *
  * Comparators.  gt_tree<T, Cmp> orders by a stateless comparator type (a
  * function-object type, or under C++20 the type of a capture-less lambda)
@@ -56,7 +57,15 @@
  * Errors.  While a throwing_raises object lives, every raise of the library
  * throws vorn::error (file, line, code and a message naming the operation
  * and condition from the library's table of raises).  The container is then
- * in the state the operation documents for that raise.
+ * in the state the operation documents for that raise.  The raise handler is
+ * one for the process: install it where no other thread relies on another.
+ *
+ * What the layer throws itself: std::invalid_argument when a walk or an
+ * adopted handle has an item size other than sizeof(T) (nothing is taken),
+ * vorn::bad_value_kind for a value read as the wrong kind, std::bad_alloc
+ * when a dictionary's text cannot be had.  Owners' destructors and the
+ * ends of walks throw nothing (GT_end_iterator raises only for a record
+ * that is not its tree's, and a raise there ends the process).
  *
  * Dictionaries.  dict and rdb_dict own a dictionary; dict_view lends one
  * (a sub-dictionary or a topic).  Keys and texts are std::string_view; a
@@ -67,9 +76,7 @@
 #define VORN_CONTAINER_HPP
 
 #include "vorn_container.h"
-#if __has_include("vorn_raises.h")
 #include "vorn_raises.h"
-#endif
 #if __has_include("vorn_checked.h")
 #include "vorn_checked.h"
 #endif
@@ -88,7 +95,7 @@
 #include <type_traits>
 #include <utility>
 #include <variant>
-#if defined(__cpp_lib_ranges) || __has_include(<ranges>)
+#if __cplusplus >= 202002L
 #include <ranges>
 #endif
 
@@ -140,9 +147,7 @@ struct raise_row {
 #define VORN_HPP_RAISE_ROW(id, file, line, code, operation, condition) \
     raise_row{file, line, code, operation, condition},
 inline constexpr raise_row raise_rows[] = {
-#ifdef VORN_RAISES
     VORN_RAISES(VORN_HPP_RAISE_ROW)
-#endif
 #ifdef VORN_RAISES_CHECKED
     VORN_RAISES_CHECKED(VORN_HPP_RAISE_ROW)
 #endif
