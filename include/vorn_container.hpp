@@ -906,6 +906,8 @@ template <class T>
 auto items(const da_array<T> &a) { return items<T>(a.get()); }
 template <class T>
 auto items(gb_list<T> &g) { return items<T>(g.get()); }
+template <class K, class V = void *>
+auto entries(const hsh_table &t) { return entries<K, V>(t.get()); }
 template <class Traits>
 auto positions(const detail::owner<Traits> &o) -> decltype(positions(o.get())) {
     return positions(o.get());

@@ -256,7 +256,7 @@ TEST_F(Cpp, OwnersReleaseExactlyWhatTheyHold) {
     vorn::hsh_table t;
     for (uintptr_t k = 1; k <= 20; ++k) HSH_set_value(t.get(), vorn::to_word(k), vorn::to_word(k * k));
     std::map<uintptr_t, uintptr_t> seen;
-    for (auto [k, v] : vorn::entries<uintptr_t, uintptr_t>(t.get())) seen[k] = v;
+    for (auto [k, v] : vorn::entries<uintptr_t, uintptr_t>(t)) seen[k] = v;
     EXPECT_EQ(seen.size(), 20u);
     EXPECT_EQ(seen[9], 81u);
     vorn::io_lut_read r;
