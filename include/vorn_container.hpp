@@ -32,6 +32,7 @@
  *   EL, ES, DBLL, DA        the elements as T&; T is trivially copyable and
  *                           its size must be the container's item size
  *   GB                      the items as T&, a contiguous range of count items
+ *                           (contiguous<T>(array) gives the same for DA)
  *   SL                      the records as R&
  *   GT                      the item words as word_t<T>, in sorted order
  *   HSH                     entries<K, V>(table): {key, value} word pairs
@@ -784,6 +785,18 @@ detail::span_range<T> items(GB_list *list) {
     T *b = static_cast<T *>(list->data);
     return {b, b + list->count};
 }
+
+// The items of an array as one contiguous range, for the algorithms that
+// want random access (std::ranges::sort ...); unlike items<T>, valid only
+// until the array grows or frees its block.
+template <class T>
+detail::span_range<T> contiguous(DA_array *array) {
+    detail::da_walk<T>::check(DA_iter{array, 1, 0, 0, nullptr});
+    T *b = static_cast<T *>(array->data);
+    return b ? detail::span_range<T>(b, b + array->nitems) : detail::span_range<T>();
+}
+template <class T>
+detail::span_range<T> contiguous(const da_array<T> &a) { return contiguous<T>(a.get()); }
 
 // ---- GT walks: ranges that own their registered iterator ----------------------
 

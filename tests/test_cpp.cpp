@@ -109,6 +109,10 @@ TEST_F(Cpp, WalksRemovingTheCurrentItemMatchTheReference) {
         EXPECT_EQ(sl_keys, kept) << "SL";
         expect_walk(vorn::items(gt), sorted_kept, "GT");
         expect_walk(vorn::items(da), keys, "DA");
+        std::vector<int32_t> sorted_keys = keys;
+        std::sort(sorted_keys.begin(), sorted_keys.end());
+        std::sort(vorn::contiguous(da).begin(), vorn::contiguous(da).end());
+        expect_walk(vorn::items(da), sorted_keys, "DA sorted in place");
         expect_walk(vorn::walk<int32_t>(GL_all_items_reversed(gl.get())),
                     std::vector<int32_t>(kept.rbegin(), kept.rend()), "GL reversed");
 
@@ -310,6 +314,7 @@ static_assert(std::ranges::forward_range<decltype(vorn::items<Elem>(static_cast<
 static_assert(std::ranges::forward_range<decltype(vorn::items<Rec>(static_cast<SL_list *>(nullptr)))>);
 static_assert(std::ranges::forward_range<decltype(vorn::items<int>(static_cast<DA_array *>(nullptr)))>);
 static_assert(std::ranges::contiguous_range<decltype(vorn::items<int>(static_cast<GB_list *>(nullptr)))>);
+static_assert(std::ranges::contiguous_range<decltype(vorn::contiguous<int>(static_cast<DA_array *>(nullptr)))>);
 static_assert(std::ranges::forward_range<decltype(vorn::entries<int>(static_cast<HSH_table *>(nullptr)))>);
 using TreeWalk = vorn::gt_walk<int>;
 static_assert(std::ranges::input_range<TreeWalk> && !std::ranges::forward_range<TreeWalk>);
