@@ -859,7 +859,7 @@ public:
                 return w_->out_;
         }
         iterator &operator++() noexcept {
-            if (!detail::gt_step<Out>::step(w_->it_, w_->out_)) {
+            if (!detail::gt_step<Out>::step(it_, w_->out_)) {
                 w_->it_ = nullptr;  // the step freed it
                 w_ = nullptr;
             }
@@ -875,10 +875,13 @@ public:
 
     private:
         friend class gt_walk;
-        explicit iterator(gt_walk *w) noexcept : w_(w->it_ ? w : nullptr) {
+        explicit iterator(gt_walk *w) noexcept : w_(w->it_ ? w : nullptr), it_(w->it_) {
             if (w_) ++*this;
         }
         gt_walk *w_ = nullptr;
+        // A copy of the range's handle that the steps cannot reach, so that
+        // it stays in a register through the loop.
+        GT_iter *it_ = nullptr;
     };
 
     // Takes the first step; call it once.
