@@ -38,14 +38,18 @@
  *   HSH                     entries<K, V>(table): {key, value} word pairs
  *
  * `vorn::positions(c)` gives the positions instead (GL_node *, EL_node *,
- * GT_node *).  Every walk is built on the library's own walk record, which
- * keeps one step ahead: removing the item just delivered inside the loop is
- * fine, as in C.  GL, EL, SL, DA, GB, HSH and io_lut walks are forward
- * ranges (a copy of an iterator walks on by itself) and borrowed views; the
- * range holds only the record.  A GT walk is an input range that owns its
- * registered iterator: it ends it when the range dies, so a `break`, a
- * `return` or an exception leaves no iterator open on the tree (a walk kept
- * past the release of its tree frees the orphaned record the same way).
+ * GT_node *).  Every walk is built on the library's own walk record, so
+ * removing the item just delivered inside the loop is fine, with the
+ * family's own outcome: the lists and GT go on with the next item, DA passes
+ * over the item that slides into the freed place, and after an HSH removal
+ * entries may come twice or not at all.  GL, EL, SL, DA, HSH and io_lut
+ * walks are forward ranges (a copy of an iterator walks on by itself) and
+ * borrowed views: the range holds only the record.  GB items and
+ * contiguous<T>(array) are contiguous ranges.  A GT walk is an input range
+ * that owns its registered iterator: it ends it when the range dies, so a
+ * `break`, a `return` or an exception leaves no iterator open on the tree (a
+ * walk kept past the release of its tree frees the orphaned record the same
+ * way).
  *
  * Comparators.  gt_tree<T, Cmp> orders by a stateless comparator type (a
  * function-object type, or under C++20 the type of a capture-less lambda)
@@ -163,32 +167,39 @@ inline const raise_row *find_raise(const char *file, int32_t line, int32_t code)
 }
 }  // namespace detail
 
-// A raise of the library as a C++ exception.  what() reads
+// A raise of the library as a C++ exception (a std::runtime_error, so
+// copies throw nothing).  what() reads
 // "FILE line LINE code CODE: OPERATION: CONDITION", or without the last two
 // parts for a raise the table does not know.
-class error : public std::exception {
+class error : public std::runtime_error {
 public:
     error(const char *file, int32_t line, int32_t code)
-        : file_(file ? file : ""), line_(line), code_(code),
+        : std::runtime_error(message(file, line, code)), line_(line), code_(code),
           row_(detail::find_raise(file, line, code)) {
-        what_ = file_ + " line " + std::to_string(line) + " code " + std::to_string(code);
-        if (row_) what_ = what_ + ": " + row_->operation + ": " + row_->condition;
+        // The library names its files with fixed literals; the table's copy
+        // serves where the raise is listed.
+        file_ = row_ ? row_->file : file ? file : "";
     }
-    const char *file() const noexcept { return file_.c_str(); }
+    const char *file() const noexcept { return file_; }
     int32_t line() const noexcept { return line_; }
     int32_t code() const noexcept { return code_; }
     // The operation(s) that raise it and the condition, from the table; ""
     // for a raise it does not list.
     const char *operation() const noexcept { return row_ ? row_->operation : ""; }
     const char *condition() const noexcept { return row_ ? row_->condition : ""; }
-    const char *what() const noexcept override { return what_.c_str(); }
 
 private:
-    std::string file_;
+    static std::string message(const char *file, int32_t line, int32_t code) {
+        std::string m = std::string(file ? file : "") + " line " + std::to_string(line) +
+                        " code " + std::to_string(code);
+        if (const detail::raise_row *r = detail::find_raise(file, line, code))
+            m = m + ": " + r->operation + ": " + r->condition;
+        return m;
+    }
+    const char *file_;
     int32_t line_;
     int32_t code_;
     const detail::raise_row *row_;
-    std::string what_;
 };
 
 // A raise handler that throws vorn::error; a host may also install it for
