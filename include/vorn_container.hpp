@@ -8,7 +8,7 @@
  * the family's own release operation when it dies:
  *
  *   gl_list (GL_release)          el_list<T> (EL_release)   es_stack<T> (ES_release)
- *   dbll_list (DBLL_release)      sl_list (SL_release, records kept)
+ *   dbll_list (DBLL_release)      sl_list (SL_total_release, records kept)
  *   gb_list<T> (GB_release)       gt_tree<T, Cmp> (GT_release)
  *   da_array<T> (DA_release)      hsh_table (HSH_release)   lookup (vorn_lu_release)
  *   io_lut_read, io_lut_write (io_lut_release)
@@ -265,16 +265,12 @@ private:
         using handle = type *;                                      \
         static void release(type *&h) noexcept { how; }             \
     };
-inline void sl_drop(SL_list *&h) noexcept {
-    h->first = h->last = nullptr;
-    h->count = 0;
-    SL_release(&h);
-}
+inline void sl_keep(void **) noexcept {}
 VORN_HPP_TRAITS(gl_traits, GL_list, GL_release(&h))
 VORN_HPP_TRAITS(el_traits, EL_list, EL_release(&h))
 VORN_HPP_TRAITS(es_traits, EL_list, ES_release(&h))
 VORN_HPP_TRAITS(dbll_traits, EL_list, DBLL_release(&h))
-VORN_HPP_TRAITS(sl_traits, SL_list, sl_drop(h))
+VORN_HPP_TRAITS(sl_traits, SL_list, SL_total_release(&h, &sl_keep))
 VORN_HPP_TRAITS(gt_traits, GT_tree, GT_release(&h))
 VORN_HPP_TRAITS(da_traits, DA_array, (DA_release(h), h = nullptr))
 VORN_HPP_TRAITS(hsh_traits, HSH_table, HSH_release(&h))
@@ -342,9 +338,10 @@ public:
     dbll_list(adopt_t, EL_list *list) : owner(adopt, el_list<double>::checked(list)) {}
 };
 
-// An SL list.  The records stay the caller's: on release the head forgets
-// them without reading them (they may have ended first), then SL_release
-// frees it, so a list that still holds records ends without a raise.
+// An SL list.  The records stay the caller's: the release takes them off
+// through SL_total_release with a function that keeps them, so a list that
+// still holds records ends without a raise.  That walk reads their links:
+// records still on the list must outlive the owner (declare them first).
 class sl_list : public detail::owner<detail::sl_traits> {
 public:
     using owner::owner;

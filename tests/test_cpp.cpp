@@ -81,8 +81,8 @@ TEST_F(Cpp, WalksRemovingTheCurrentItemMatchTheReference) {
         vorn::el_list<Elem> el;
         vorn::da_array<int32_t> da(3);
         vorn::gt_tree<int32_t, vorn::compare_integers> gt;
+        std::vector<Rec> recs(keys.size());  // outlives the list that holds them
         vorn::sl_list sl;
-        std::vector<Rec> recs(keys.size());
         std::vector<Elem> elems;
         for (size_t i = 0; i < keys.size(); ++i) {
             GL_append_after_last(gl.get(), vorn::to_word(keys[i]));
@@ -210,8 +210,8 @@ TEST_F(Cpp, RaisesThrowErrorsNamedFromTheTable) {
         {"DA_RAISE_COPY_INTO_SIZES_DIFFER", [] { DA_copy_into(vorn::da_array<int>().get(), vorn::da_array<double>().get()); }},
         {"IO_LUT_RAISE_NO_POINTER", [] { io_lut_get_ptr(vorn::io_lut_read().get(), 3); }},
         {"SL_RAISE_ROLL_OFF_RING", [] {
-             vorn::sl_list l;
              Rec a{}, b{};
+             vorn::sl_list l;
              SL_append_after_last(l.get(), &a);
              SL_set_closed(l.get());
              SL_roll(l.get(), &b);
