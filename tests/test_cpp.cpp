@@ -209,12 +209,12 @@ TEST_F(Cpp, RaisesThrowErrorsNamedFromTheTable) {
         {"EL_RAISE_ROLL_NO_PREV", [] { vorn::dbll_list l; DBLL_roll(l.get(), DBLL_add_double(l.get(), 1)); }},
         {"DA_RAISE_COPY_INTO_SIZES_DIFFER", [] { DA_copy_into(vorn::da_array<int>().get(), vorn::da_array<double>().get()); }},
         {"IO_LUT_RAISE_NO_POINTER", [] { io_lut_get_ptr(vorn::io_lut_read().get(), 3); }},
-        {"SL_RAISE_ROLL_OFF_RING", [] {
-             Rec a{}, b{};
+        {"SL_RAISE_RELEASE_NOT_EMPTY", [] {
+             Rec a{};
              vorn::sl_list l;
              SL_append_after_last(l.get(), &a);
-             SL_set_closed(l.get());
-             SL_roll(l.get(), &b);
+             SL_list *h = l.get();
+             SL_release(&h);
          }},
     };
     const EX_raise_handler before = EX_set_raise_handler(nullptr);
