@@ -38,9 +38,9 @@ inline char *slot(const DA_array *a, int64_t index) {
 // The growth rule: capacity becomes the smallest whole number of steps that
 // holds `count` items (worked out as ((count - 1) / increment + 1) *
 // increment, division toward zero), if that exceeds the present capacity.
-// The added bytes are zeroed.  On failure `data` is left null and the
-// counts keep their values, then the failure is raised.
-// Growth without the raise: false when no block was obtained.
+// The added bytes are zeroed.  Growth without the raise: when no block was
+// obtained it gives false, `data` is left null and the counts keep their
+// values; `extend` (below) then raises, DA_copy frees its record first.
 bool grow(DA_array *a, int32_t count) {
     const int64_t step = a->increment;
     // 64-bit arithmetic: the result is the 32-bit rule for every count whose

@@ -8,13 +8,7 @@
 # (the versioned soname link).  EMULATOR runs the programs (wine for Windows).
 cmake_policy(VERSION 3.25)
 
-function(run what)
-  execute_process(COMMAND ${ARGN} RESULT_VARIABLE rc OUTPUT_VARIABLE out ERROR_VARIABLE out)
-  if(NOT rc EQUAL 0)
-    message(FATAL_ERROR "${what} failed (${rc}):\n${ARGN}\n${out}")
-  endif()
-  set(run_output "${out}" PARENT_SCOPE)
-endfunction()
+include(${CMAKE_CURRENT_LIST_DIR}/script_run.cmake)
 
 set(prefix ${WORK_DIR}/prefix)
 file(REMOVE_RECURSE ${WORK_DIR})
@@ -35,7 +29,6 @@ endforeach()
 if(SONAME AND NOT EXISTS ${lib_dir}/${SONAME})
   message(FATAL_ERROR "${SONAME} not installed in ${lib_dir}")
 endif()
-set(ENV{LD_LIBRARY_PATH} "${lib_dir}")
 set(ENV{WINEPATH} "${prefix}/bin;$ENV{WINEPATH}")
 
 # ---- through the CMake package ----
@@ -64,7 +57,16 @@ separate_arguments(pc_flags UNIX_COMMAND "${pc_flags}")
 separate_arguments(c_flags UNIX_COMMAND "${C_FLAGS}")
 file(MAKE_DIRECTORY ${WORK_DIR}/pkg-config)
 set(host ${WORK_DIR}/pkg-config/host${EXE_SUFFIX})
+# As the README tells: pkg-config gives no run path, so the program is
+# linked with one to the library directory (Windows finds the DLLs through
+# WINEPATH / PATH instead); LD_LIBRARY_PATH is not set.
+set(run_path)
+if(NOT EXE_SUFFIX)
+  run("pkg-config --variable=libdir" ${PKG_CONFIG} --variable=libdir vorn_container)
+  string(STRIP "${run_output}" pc_libdir)
+  set(run_path "-Wl,-rpath,${pc_libdir}")
+endif()
 run("building the host with pkg-config"
-  ${C_COMPILER} ${c_flags} -std=c99 ${SOURCE_DIR}/host.c ${pc_flags} -o ${host})
+  ${C_COMPILER} ${c_flags} -std=c99 ${SOURCE_DIR}/host.c ${pc_flags} ${run_path} -o ${host})
 run("running the host built with pkg-config" ${EMULATOR} ${host})
 message(STATUS "pkg-config: ${run_output}")

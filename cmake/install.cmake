@@ -1,29 +1,47 @@
 # Installation: headers, the two libraries with a versioned soname, a CMake
 # package (find_package(vorn_container) -> vorn::container) and a pkg-config
-# file (vorn_container.pc).  Included from the top-level CMakeLists.txt after
-# the library targets exist.
+# file (vorn_container.pc).  With VORN_EXTERNAL_BASE the base library and its
+# header vorn_base.h are the system's and are not installed; the package and
+# the .pc file then point at the base library that was found.  The stand-in's
+# files form the install component "base" (cmake --install --component base).
+# Included from the top-level CMakeLists.txt after the library targets exist.
 include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
 
 # The C interface is fixed name for name, so the ABI follows the major
 # version: libvorn_container.so.0 -> libvorn_container.so.0.1.0.
-set_target_properties(VornBaseShared vorn_container PROPERTIES
+set(_vorn_built vorn_container)
+if(NOT VORN_EXTERNAL_BASE)
+  list(APPEND _vorn_built VornBaseShared)
+  set_target_properties(VornBaseShared PROPERTIES EXPORT_NAME VornBaseShared)
+endif()
+set_target_properties(${_vorn_built} PROPERTIES
   VERSION ${PROJECT_VERSION}
   SOVERSION ${PROJECT_VERSION_MAJOR})
-set_target_properties(VornBaseShared PROPERTIES EXPORT_NAME VornBaseShared)
 set_target_properties(vorn_container PROPERTIES EXPORT_NAME container)
 
 if(WIN32)
   # Windows names: VornBaseShared.dll and vorn_container.dll (import
   # libraries keep the toolchain's prefix).
-  set_target_properties(VornBaseShared vorn_container PROPERTIES PREFIX "")
+  set_target_properties(${_vorn_built} PROPERTIES PREFIX "")
 elseif(NOT APPLE)
   # The installed container library finds the installed base library beside
   # it, wherever the tree was installed to.
   set_target_properties(vorn_container PROPERTIES INSTALL_RPATH "$ORIGIN")
 endif()
 
-install(TARGETS VornBaseShared vorn_container
+if(NOT VORN_EXTERNAL_BASE)
+  install(TARGETS VornBaseShared
+    EXPORT vorn_container_targets
+    COMPONENT base
+    RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
+    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+    ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
+    INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+  install(FILES ${PROJECT_SOURCE_DIR}/include/vorn_base.h ${PROJECT_SOURCE_DIR}/include/vorn_types.h
+    DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT base)
+endif()
+install(TARGETS vorn_container
   EXPORT vorn_container_targets
   RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
   LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
@@ -31,7 +49,10 @@ install(TARGETS VornBaseShared vorn_container
   INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/
   DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
-  FILES_MATCHING PATTERN "*.h" PATTERN "*.hpp")
+  FILES_MATCHING PATTERN "*.h" PATTERN "*.hpp" PATTERN "vorn_base.h" EXCLUDE)
+
+install(FILES ${PROJECT_SOURCE_DIR}/LICENSE ${PROJECT_SOURCE_DIR}/CHANGELOG.md
+  DESTINATION ${CMAKE_INSTALL_DOCDIR})
 
 # ---- CMake package ----
 set(VORN_CMAKE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/vorn_container)
@@ -44,6 +65,11 @@ install(EXPORT vorn_container_targets
 set(VORN_INSTALLED_STATIC OFF)
 if(NOT VORN_BUILD_SHARED)
   set(VORN_INSTALLED_STATIC ON)
+endif()
+# Where the config finds an external base library again.
+set(VORN_INSTALLED_EXTERNAL_BASE ${VORN_EXTERNAL_BASE})
+if(VORN_EXTERNAL_BASE)
+  get_filename_component(VORN_BASE_LIBRARY_DIR ${VORN_BASE_LIBRARY} DIRECTORY)
 endif()
 configure_package_config_file(${CMAKE_CURRENT_LIST_DIR}/vorn_container-config.cmake.in
   ${CMAKE_CURRENT_BINARY_DIR}/vorn_container-config.cmake
@@ -86,6 +112,10 @@ else()
   if(CMAKE_THREAD_LIBS_INIT)
     string(APPEND VORN_PC_LIBS_EXTRA " ${CMAKE_THREAD_LIBS_INIT}")
   endif()
+endif()
+if(VORN_EXTERNAL_BASE)
+  string(APPEND VORN_PC_CFLAGS " -I${VORN_BASE_INCLUDE_DIR}")
+  string(APPEND VORN_PC_LIBS_EXTRA " -L${VORN_BASE_LIBRARY_DIR}")
 endif()
 configure_file(${CMAKE_CURRENT_LIST_DIR}/vorn_container.pc.in
   ${CMAKE_CURRENT_BINARY_DIR}/vorn_container.pc @ONLY)

@@ -10,7 +10,11 @@ endif()
 # base services go through the GOT without a PLT stub, so that the block
 # taken by every insertion costs one direct call.
 if(VORN_BUILD_SHARED AND NOT WIN32 AND NOT APPLE AND CMAKE_CXX_COMPILER_ID MATCHES "GNU|Clang")
-  foreach(_vorn_lib vorn_container VornBaseShared)
+  set(_vorn_libs vorn_container)
+  if(NOT VORN_EXTERNAL_BASE)
+    list(APPEND _vorn_libs VornBaseShared)
+  endif()
+  foreach(_vorn_lib IN LISTS _vorn_libs)
     target_compile_options(${_vorn_lib} PRIVATE -fno-plt -fno-semantic-interposition)
   endforeach()
 endif()

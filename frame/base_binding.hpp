@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <cstring>
 #include <new>
+#include <string_view>
 
 #include "vorn_base.h"
 #include "vorn_raises.h"
@@ -27,6 +28,18 @@ namespace raises {
     inline constexpr RaiseSite id{file, line, code};
 VORN_RAISES(VORN_RAISE_SITE)
 #undef VORN_RAISE_SITE
+
+// A failure's identity is its file and line: no two entries may share them.
+#define VORN_RAISE_ENTRY(id, file, line, code, operations, condition) RaiseSite{file, line, code},
+inline constexpr RaiseSite kAll[] = {VORN_RAISES(VORN_RAISE_ENTRY)};
+#undef VORN_RAISE_ENTRY
+consteval bool identities_distinct() {
+    for (const RaiseSite &a : kAll)
+        for (const RaiseSite &b : kAll)
+            if (&a != &b && a.line == b.line && std::string_view(a.file) == b.file) return false;
+    return true;
+}
+static_assert(identities_distinct(), "two raises of vorn_raises.h share a file and line");
 }  // namespace raises
 
 // A block for one T.  Content unspecified; T must be trivially copyable,

@@ -1,7 +1,10 @@
 // The machinery that the linked list families (GL, EL, SL) share: linking
 // and unlinking with the ring rules, the walk step, index lookup, advance,
 // position-to-index, roll, reverse, splicing.  Each family supplies its head,
-// node and iterator records; this file is the only copy of the logic.
+// node and iterator records; this file holds the logic once for the
+// library.  One step is copied on purpose: the inline walks that vorn_gl.h and
+// vorn_el.h give hosts (GL_next_item_inline, EL_next_item_inline) repeat the
+// walk step in C, and must change with `step` here.
 //
 // Requirements on the records (checked at compile time where possible):
 //  - a node N begins with `prev` and `next` pointers to N (SL uses

@@ -49,6 +49,10 @@
 extern "C" {
 #endif
 
+/** \defgroup base Base services (VornBaseShared)
+ * The rules of the family stand at the top of vorn_base.h.
+ * @{ */
+
 /* ---- memory blocks -------------------------------------------------------- */
 
 /* A new block of `size` bytes, content unspecified.  Null only when a
@@ -107,6 +111,8 @@ VORN_BASE_API int64_t MM_bytes_in_use(void);
  * MM_realloc_item) the following one returns null, once; -1 turns the
  * injection off.  The count is process-wide. */
 VORN_BASE_API void MM_fail_after(int64_t n);
+
+/** @} */
 
 #ifdef __cplusplus
 }

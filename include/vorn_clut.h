@@ -47,6 +47,10 @@
 extern "C" {
 #endif
 
+/** \defgroup family_clut CLUT, RGBLUT_init and the GE_ words: colour table
+ * The rules of the family stand at the top of vorn_clut.h.
+ * @{ */
+
 /* One entry of the table.  The system's own colours lie in 0 to 255; nothing
  * tests the range. */
 typedef struct CLUT_colour CLUT_colour;
@@ -118,10 +122,10 @@ VORN_API void CLUT_copy(int32_t destination, int32_t source);
 /* Reads a colour through the three pointers and gives 1.  An index at or
  * beyond the table size (a negative index too) reads the entry of GE_GREEN
  * instead and gives 0; should that entry lie beyond the table as well (only
- * after a start-up that raised CLUT_RAISE_INIT_TOO_SMALL), the colour read is 0, 0, 0.  The state is
- * not looked at.  With clut_debug > 1 prints "get index : %d : %d %d %d\n"
- * with the index really read.  Raises CLUT_RAISE_GET_NO_TABLE before
- * start-up. */
+ * after a start-up that raised CLUT_RAISE_INIT_TOO_SMALL), the colour read
+ * is 0, 0, 0.  The state is not looked at.  With clut_debug > 1 prints
+ * "get index : %d : %d %d %d\n" with the index really read.  Raises
+ * CLUT_RAISE_GET_NO_TABLE before start-up. */
 VORN_API int32_t CLUT_get(int32_t index, int16_t *r, int16_t *g, int16_t *b);
 
 /* The lowest index whose colour equals (r, g, b), whatever its state (a
@@ -194,6 +198,8 @@ extern VORN_API int32_t GE_DRKCYAN;                     /* 30: 0 200 200 */
 extern VORN_API int32_t GE_SELECTION_BLUE;              /* 31: 0 0 128 */
 extern VORN_API int32_t GE_WINDOWS_COLOR_HIGHLIGHT;     /* 32: system colour 13 */
 extern VORN_API int32_t GE_WINDOWS_COLOR_HIGHLIGHTTEXT; /* 33: system colour 14 */
+
+/** @} */
 
 #ifdef __cplusplus
 }

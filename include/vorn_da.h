@@ -47,6 +47,10 @@
 extern "C" {
 #endif
 
+/** \defgroup family_da DA: dynamic array
+ * The rules of the family stand at the top of vorn_da.h.
+ * @{ */
+
 typedef struct DA_array DA_array;
 typedef struct DA_iter DA_iter;
 
@@ -82,7 +86,8 @@ struct DA_iter {
 /* ---- life and size ---- */
 
 /* A new array: nalloc and nitems 0, data null; no block yet.  Raises
- * DA_RAISE_CREATE_NO_MEMORY when the record cannot be had.  The arguments are not checked. */
+ * DA_RAISE_CREATE_NO_MEMORY when the record cannot be had.  The arguments
+ * are not checked. */
 VORN_API DA_array *DA_create(int32_t item_size, int32_t increment);
 /* Frees the block (with nalloc * item_size bytes) if there is one, then the
  * record.  A null array does nothing.  The caller's word is not cleared. */
@@ -105,6 +110,7 @@ VORN_API void DA_setsize(DA_array *array, int32_t count);
  * bytes are zeroed.  Raises DA_RAISE_EXTEND_NO_MEMORY when no block is
  * obtained. */
 VORN_API void DA_extend(DA_array *array, int32_t count);
+/* Items held. */
 VORN_API int32_t DA_nitems(DA_array *array);
 /* Capacity in items. */
 VORN_API int32_t DA_nalloc(DA_array *array);
@@ -154,8 +160,9 @@ VORN_API char *DA_string(DA_array *array);
  * not copied.  Raises DA_RAISE_COPY_NO_MEMORY for the record,
  * DA_RAISE_EXTEND_NO_MEMORY for the block (the new record is then freed). */
 VORN_API DA_array *DA_copy(DA_array *array);
-/* Replaces the destination's items by a copy of the source's.  Raises line
- * 281 when the item sizes differ, with the destination untouched.
+/* Replaces the destination's items by a copy of the source's.  Raises
+ * DA_RAISE_COPY_INTO_SIZES_DIFFER when the item sizes differ, with the
+ * destination untouched.
  * Otherwise frees the destination's block whatever its size, then grows it
  * to the source's count under the destination's own increment (an empty
  * source leaves it without a block).  Given the same array twice, the array
@@ -204,6 +211,8 @@ static inline void *DA_get_item_inline(DA_array *array, int32_t index) {
 }
 #define DA_get_item(array, index) DA_get_item_inline((array), (index))
 #endif
+
+/** @} */
 
 #ifdef __cplusplus
 }

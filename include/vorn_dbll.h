@@ -27,20 +27,31 @@
 extern "C" {
 #endif
 
+/** \defgroup family_dbll DBLL: list of doubles
+ * The rules of the family stand at the top of vorn_dbll.h.
+ * @{ */
+
 /* ---- the EL operations under a second name (same arguments, same result,
  * same guarantees as in vorn_el.h) ---- */
 
+/* EL_advance. */
 VORN_API EL_node *DBLL_advance(EL_list *list, EL_node *pos, int32_t steps);
 VORN_API EL_list *DBLL_copy(EL_list *list);                                      /* EL_total_copy */
 VORN_API EL_list *DBLL_copy_inbetween(EL_list *list, EL_node *from, EL_node *to); /* EL_total_copy_inbetween */
+/* EL_make_empty. */
 VORN_API void DBLL_make_empty(EL_list *list);
+/* EL_next_position. */
 VORN_API int32_t DBLL_next_position(EL_iter *iter, EL_node **pos_out);
 VORN_API void DBLL_release(EL_list **handle); /* takes the address of the handle */
+/* EL_remove_at_index. */
 VORN_API int32_t DBLL_remove_at_index(EL_list *list, int32_t index);
 VORN_API void DBLL_remove_double(EL_list *list, EL_node *pos); /* EL_remove_item: by position */
+/* EL_reset_closed. */
 VORN_API void DBLL_reset_closed(EL_list *list);
+/* EL_reverse. */
 VORN_API void DBLL_reverse(EL_list *list);
 VORN_API void DBLL_roll(EL_list *list, EL_node *pos); /* raises EL_RAISE_ROLL_NO_PREV as EL_roll */
+/* EL_set_closed. */
 VORN_API void DBLL_set_closed(EL_list *list);
 VORN_API int32_t DBLL_size(EL_list *list);                                  /* EL_count_items */
 VORN_API int32_t DBLL_size_inbetween(EL_list *list, EL_node *from, EL_node *to); /* EL_count_items_inbetween */
@@ -51,10 +62,13 @@ VORN_API int32_t DBLL_size_inbetween(EL_list *list, EL_node *from, EL_node *to);
 VORN_API EL_list *DBLL_create(void);
 /* Appends `value` (EL_append_after_last); gives its position. */
 VORN_API EL_node *DBLL_add_double(EL_list *list, double value);
+/* Puts `value` behind `pos` (EL_insert_after); gives its position. */
 VORN_API EL_node *DBLL_insert_after(EL_list *list, EL_node *pos, double value);
+/* Puts `value` ahead of `pos` (EL_insert_before); gives its position. */
 VORN_API EL_node *DBLL_insert_before(EL_list *list, EL_node *pos, double value);
 /* Null, and nothing inserted, when the index names no item. */
 VORN_API EL_node *DBLL_insert_after_index(EL_list *list, int32_t index, double value);
+/* As DBLL_insert_after_index, ahead of the item at `index`. */
 VORN_API EL_node *DBLL_insert_before_index(EL_list *list, int32_t index, double value);
 /* Overwrites the value at `pos`. */
 VORN_API void DBLL_replace_double(EL_node *pos, double value);
@@ -62,7 +76,9 @@ VORN_API void DBLL_replace_double(EL_node *pos, double value);
  * EL_RAISE_REPLACE_SOURCE_SHORT when `source` has fewer values than the range. */
 VORN_API void DBLL_replace_doubles_inbetween(EL_list *list, EL_node *from, EL_node *to,
                                              EL_list *source);
+/* A walk over every value from first to last (EL_all_items). */
 VORN_API EL_iter DBLL_all_doubles(EL_list *list);
+/* A walk over every value from last to first (EL_all_items_reversed). */
 VORN_API EL_iter DBLL_all_doubles_reversed(EL_list *list);
 /* Forward from `from` to `to`. */
 VORN_API EL_iter DBLL_all_doubles_inbetween(EL_list *list, EL_node *from, EL_node *to);
@@ -78,9 +94,11 @@ VORN_API EL_list *DBLL_create_with_two(double begin_value, double end_value);
 VORN_API int32_t DBLL_is_empty(EL_list *list);
 /* The value at first / last; 0.0 on an empty list (as a stored 0.0). */
 VORN_API double DBLL_begin_value(EL_list *list);
+/* The value at last; 0.0 on an empty list. */
 VORN_API double DBLL_end_value(EL_list *list);
 /* Overwrite the value at first / last; an empty list stays empty. */
 VORN_API void DBLL_set_begin_value(EL_list *list, double value);
+/* Overwrites the value at last; an empty list stays empty. */
 VORN_API void DBLL_set_end_value(EL_list *list, double value);
 /* Steps the walk (EL_next_position).  1: *value holds the value at the new
  * position; 0: the walk is over and *value is left alone. */
@@ -117,6 +135,8 @@ VORN_API int32_t DBLL_find_index_of_nearest(EL_list *list, double value, double 
  * always stay: a near value at the very end removes the value kept before it
  * instead, unless that is the first.  Tolerance 0 removes nothing. */
 VORN_API void DBLL_remove_double_occ(EL_list *list, double tolerance);
+
+/** @} */
 
 #ifdef __cplusplus
 }

@@ -38,22 +38,36 @@
 extern "C" {
 #endif
 
+/** \defgroup family_el EL: element list
+ * The rules of the family stand at the top of vorn_el.h.
+ * @{ */
+
 typedef struct EL_node EL_node;
 typedef struct EL_list EL_list;
 typedef struct EL_iter EL_iter;
 
 /* One item: the links, then the element bytes.  The block is exactly
- * sizeof(EL_node) + item_size bytes (the two links plus the element). */
-#if defined(__cplusplus) && defined(__GNUC__)
+ * sizeof(EL_node) + item_size bytes (the two links plus the element).  The
+ * flexible array member is standard C; C++ compilers take it as an
+ * extension, whose warning is silenced here for gcc, clang and MSVC (C4200)
+ * so that hosts building with warnings as errors include this header. */
+#if defined(__cplusplus) && (defined(__GNUC__) || defined(__clang__))
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wpedantic"
+#endif
+#if defined(_MSC_VER)
+#pragma warning(push)
+#pragma warning(disable : 4200)
 #endif
 struct EL_node {
     EL_node *prev;        /* towards first; null at first when open, last on a ring */
     EL_node *next;        /* towards last; null at last when open, first on a ring */
     unsigned char item[]; /* the element, item_size bytes */
 };
-#if defined(__cplusplus) && defined(__GNUC__)
+#if defined(_MSC_VER)
+#pragma warning(pop)
+#endif
+#if defined(__cplusplus) && (defined(__GNUC__) || defined(__clang__))
 #pragma GCC diagnostic pop
 #endif
 
@@ -121,6 +135,7 @@ VORN_API EL_node *EL_insert_before(EL_list *list, EL_node *pos, const void *elem
  * so these never fill an empty list nor address the place behind last:
  * otherwise nothing is inserted and the result is null. */
 VORN_API EL_node *EL_insert_after_index(EL_list *list, int32_t index, const void *element);
+/* As EL_insert_after_index, ahead of the item at `index`. */
 VORN_API EL_node *EL_insert_before_index(EL_list *list, int32_t index, const void *element);
 
 /* ---- access ---- */
@@ -129,6 +144,7 @@ VORN_API EL_node *EL_insert_before_index(EL_list *list, int32_t index, const voi
  * at last, never wrapping); null for a negative index or one of count or
  * more. */
 VORN_API void *EL_get_item_at_index(EL_list *list, int32_t index);
+/* As EL_get_item_at_index, giving the position. */
 VORN_API EL_node *EL_get_pos_at_index(EL_list *list, int32_t index);
 /* The number of prev links from `pos` back to first; `pos` must be on the
  * list. */
@@ -144,8 +160,8 @@ VORN_API void EL_replace_item(EL_node *pos, const void *source, int32_t size);
  * at each position of the range copies `size` bytes of the next source
  * element over the element there.  Surplus source items are ignored, the
  * source is not changed, and a null `from` does nothing.  Raises
- * EL_RAISE_REPLACE_SOURCE_SHORT when the source runs out; the items before are already
- * overwritten. */
+ * EL_RAISE_REPLACE_SOURCE_SHORT when the source runs out; the items before
+ * are already overwritten. */
 VORN_API void EL_replace_items_inbetween(EL_list *list, EL_node *from, EL_node *to,
                                          EL_list *source, int32_t size);
 
@@ -195,12 +211,17 @@ VORN_API EL_list *EL_remove_and_get_end_part(EL_list *list, EL_node *pos);
 
 /* ---- walks ---- */
 
+/* A walk over every element from first to last (on a ring: once round,
+ * ending at last). */
 VORN_API EL_iter EL_all_items(EL_list *list);
+/* A walk over every element from last to first. */
 VORN_API EL_iter EL_all_items_reversed(EL_list *list);
 /* From `from` to `to` inclusive in the given direction; the item size comes
  * from the list.  A null `from` gives a walk that is over. */
 VORN_API EL_iter EL_all_items_inbetween(EL_list *list, EL_node *from, EL_node *to,
                                         int32_t forward);
+/* As EL_all_items_inbetween, delivering only the elements that `test`
+ * accepts. */
 VORN_API EL_iter EL_tested_items_inbetween(EL_list *list, EL_node *from, EL_node *to,
                                            int32_t forward, EL_test_fn test);
 /* One step: 1 and a pointer to the element bytes through `item_out`, or 0
@@ -231,6 +252,8 @@ static inline int32_t EL_next_item_inline(EL_iter *iter, void **item_out) {
 }
 #define EL_next_item(iter, item_out) EL_next_item_inline((iter), (item_out))
 #endif
+
+/** @} */
 
 #ifdef __cplusplus
 }

@@ -17,6 +17,10 @@
 extern "C" {
 #endif
 
+/** \defgroup family_es ES: element stack
+ * The rules of the family stand at the top of vorn_es.h.
+ * @{ */
+
 /* A new empty stack of elements of `item_size` bytes (EL_create). */
 VORN_API EL_list *ES_create(uint16_t item_size);
 /* Frees every element and the stack and sets *handle to null (EL_release). */
@@ -35,6 +39,8 @@ VORN_API int32_t ES_is_empty(EL_list *stack);
 VORN_API int32_t ES_inspect_top(EL_list *stack, void *buffer);
 /* As ES_inspect_top, then removes the top (EL_remove_item). */
 VORN_API int32_t ES_pop(EL_list *stack, void *buffer);
+
+/** @} */
 
 #ifdef __cplusplus
 }

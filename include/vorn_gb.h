@@ -36,6 +36,10 @@
 extern "C" {
 #endif
 
+/** \defgroup family_gb GB: block list
+ * The rules of the family stand at the top of vorn_gb.h.
+ * @{ */
+
 typedef struct GB_list GB_list;
 
 /* The caller's record; every field is public. */
@@ -146,6 +150,8 @@ VORN_API void GB_make_open_at_position(GB_list *list, int32_t index);
  * an index that is not that of an item, nothing happens and `dest` is not
  * written. */
 VORN_API void GB_remove_and_get_end_part(GB_list *dest, GB_list *list, int32_t index);
+
+/** @} */
 
 #ifdef __cplusplus
 }

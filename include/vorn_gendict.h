@@ -31,6 +31,10 @@
 extern "C" {
 #endif
 
+/** \defgroup family_gendict GENDICT: typed dictionary
+ * The rules of the family stand at the top of vorn_gendict.h.
+ * @{ */
+
 /* The kinds of a value. */
 enum {
     GENDICT_INT = 1,    /* data.integer, stored by value */
@@ -180,6 +184,8 @@ VORN_API void GENDICT_to_buf(SL_list *dict, char **buf, int32_t *length);
  * allocated.  Linear in the text's length; repeated keys are found through a
  * scratch hash table once a dictionary grows past a few entries. */
 VORN_API SL_list *GENDICT_from_buf(const char *text);
+
+/** @} */
 
 #ifdef __cplusplus
 }

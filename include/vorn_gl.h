@@ -22,6 +22,10 @@
 extern "C" {
 #endif
 
+/** \defgroup family_gl GL: pointer list
+ * The rules of the family stand at the top of vorn_gl.h.
+ * @{ */
+
 typedef struct GL_node GL_node;
 typedef struct GL_list GL_list;
 typedef struct GL_iter GL_iter;
@@ -87,9 +91,15 @@ VORN_API int32_t GL_check(GL_list *list, GL_measure_fn measure);
 
 /* ---- insertion: each allocates one node and gives its position ---- */
 
+/* Puts `item` in a new node behind last; gives the node. */
 VORN_API GL_node *GL_append_after_last(GL_list *list, void *item);
+/* Puts `item` in a new node ahead of first; gives the node. */
 VORN_API GL_node *GL_insert_before_first(GL_list *list, void *item);
+/* Puts `item` in a new node directly behind `pos` (behind last: as
+ * GL_append_after_last); gives the node. */
 VORN_API GL_node *GL_insert_after(GL_list *list, GL_node *pos, void *item);
+/* Puts `item` in a new node directly ahead of `pos` (ahead of first: as
+ * GL_insert_before_first); gives the node. */
 VORN_API GL_node *GL_insert_before(GL_list *list, GL_node *pos, void *item);
 /* Appends unless an equal word is already on the list; then gives null and
  * changes nothing.  Linear in count. */
@@ -123,14 +133,19 @@ VORN_API void GL_append_list_in_front(GL_list *list, GL_list **second);
 
 /* ---- walks ---- */
 
+/* A walk over every item from first to last. */
 VORN_API GL_iter GL_all_items(GL_list *list);
+/* A walk over every item from last to first. */
 VORN_API GL_iter GL_all_items_reversed(GL_list *list);
 /* From `from` to `to` inclusive in the given direction; the list is not
  * read.  On an open list a `to` that does not lie ahead of `from` lets the
  * walk run to the end of the list.  A null `from` gives a walk that is over. */
 VORN_API GL_iter GL_all_items_inbetween(GL_list *list, GL_node *from, GL_node *to,
                                         int32_t forward);
+/* As GL_all_items, delivering only the words that `test` accepts. */
 VORN_API GL_iter GL_tested_items(GL_list *list, GL_test_fn test);
+/* As GL_all_items_inbetween, delivering only the words that `test`
+ * accepts. */
 VORN_API GL_iter GL_tested_items_inbetween(GL_list *list, GL_node *from, GL_node *to,
                                            int32_t forward, GL_test_fn test);
 /* A walk that is over before it begins. */
@@ -160,6 +175,8 @@ static inline int32_t GL_next_item_inline(GL_iter *iter, void **item_out) {
 }
 #define GL_next_item(iter, item_out) GL_next_item_inline((iter), (item_out))
 #endif
+
+/** @} */
 
 #ifdef __cplusplus
 }

@@ -40,6 +40,10 @@
 extern "C" {
 #endif
 
+/** \defgroup family_gt GT: AVL tree with live iterators
+ * The rules of the family stand at the top of vorn_gt.h.
+ * @{ */
+
 typedef struct GT_node GT_node;
 typedef struct GT_tree GT_tree;
 typedef struct GT_iter GT_iter;
@@ -117,13 +121,14 @@ VORN_API int32_t GT_search_item(GT_tree *tree, void *item, GT_node **pos_out);
 
 /* Removes the node at `pos`, reached by a walk steered by compare.  Every
  * other position stays valid: a node with two children is replaced by its
- * predecessor node, items never move.  Raises GT_RAISE_REMOVE_MISSED (tree unchanged) if
- * the walk misses: `pos` is not in this tree, its item no longer sorts where it
- * stands, or `pos` or the tree is null. */
+ * predecessor node, items never move.  Raises GT_RAISE_REMOVE_MISSED (tree
+ * unchanged) if the walk misses: `pos` is not in this tree, its item no
+ * longer sorts where it stands, or `pos` or the tree is null. */
 VORN_API void GT_remove_item(GT_tree *tree, GT_node *pos);
 /* As GT_remove_item, but a miss is followed by a walk of the whole tree, so
  * an item whose key changed since insertion is removed too.  Raises
- * GT_RAISE_GLOBAL_MISSED (unchanged) only if `pos` is not in this tree (or is null). */
+ * GT_RAISE_GLOBAL_MISSED (unchanged) only if `pos` is not in this tree (or
+ * is null). */
 VORN_API void GT_remove_item_global(GT_tree *tree, GT_node *pos);
 /* Removes the node that GT_find_item would find for `item`.  Raises
  * GT_RAISE_FIND_AND_REMOVE_NO_ITEM (unchanged) if there is none (also for a
@@ -154,11 +159,15 @@ VORN_API GT_iter *GT_all_items_while_conditioned(GT_tree *tree, GT_test_fn test)
  * has delivered nothing, or whose current node went, gives a walk that ends
  * at its first step. */
 VORN_API GT_iter *GT_from_current(GT_iter *source);
+/* As GT_from_current, delivering only the items that `test` accepts. */
 VORN_API GT_iter *GT_from_current_conditional(GT_iter *source, GT_test_fn test);
+/* As GT_from_current, up to the first item that `test` refuses. */
 VORN_API GT_iter *GT_from_current_while_conditioned(GT_iter *source, GT_test_fn test);
 /* From what the source would deliver next. */
 VORN_API GT_iter *GT_from_next(GT_iter *source);
+/* As GT_from_next, delivering only the items that `test` accepts. */
 VORN_API GT_iter *GT_from_next_conditional(GT_iter *source, GT_test_fn test);
+/* As GT_from_next, up to the first item that `test` refuses. */
 VORN_API GT_iter *GT_from_next_while_conditioned(GT_iter *source, GT_test_fn test);
 
 /* One step: 1 and the item word through *item_out; or 0 when the walk is
@@ -166,8 +175,9 @@ VORN_API GT_iter *GT_from_next_while_conditioned(GT_iter *source, GT_test_fn tes
  * node is held before the test runs, so the item just delivered may be
  * removed between steps.  A test must not remove the node under test, end
  * this iterator, or empty or release the tree.  Raises
- * GT_RAISE_STEP_NOT_REGISTERED (record not freed) if the walk is over and the iterator is not on its tree's list.  An
- * orphaned iterator (tree released) returns 0 and is freed. */
+ * GT_RAISE_STEP_NOT_REGISTERED (record not freed) if the walk is over and
+ * the iterator is not on its tree's list.  An orphaned iterator (tree
+ * released) returns 0 and is freed. */
 VORN_API int32_t GT_next_item(GT_iter *iter, void **item_out);
 /* As GT_next_item, delivering the position; raises
  * GT_RAISE_STEP_POSITION_NOT_REGISTERED in its place. */
@@ -177,7 +187,8 @@ VORN_API int32_t GT_next_position(GT_iter *iter, GT_node **pos_out);
  * removed, or the tree emptied or released) writes null and gives 0. */
 VORN_API int32_t GT_current_item(GT_iter *iter, void **item_out);
 /* Ends a walk that is not over and frees the record.  Raises
- * GT_RAISE_END_NOT_REGISTERED (record not freed) if the iterator is not on its tree's list.  Frees an orphan. */
+ * GT_RAISE_END_NOT_REGISTERED (record not freed) if the iterator is not on
+ * its tree's list.  Frees an orphan. */
 VORN_API void GT_end_iterator(GT_iter *iter);
 
 /* ---- whole tree ---- */
@@ -214,6 +225,8 @@ VORN_API void GT_print_tree(GT_tree *tree, GT_print_fn print);
  * "allocated trees      = %d\n", "allocated tree_items = %d\n",
  * "allocated tree_iters = %d\n". */
 VORN_API void GT_check(void);
+
+/** @} */
 
 #ifdef __cplusplus
 }

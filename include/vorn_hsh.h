@@ -13,9 +13,10 @@
  * to the caller and are never dereferenced.
  *
  * The table grows (doubling) when a new key finds `count` at `high_limit`
- * (7/8 of the size) and halves when a removal leaves `count` below
- * `low_limit` (1/4 of the size, 0 at the minimum size).  No deleted-entry
- * marker exists: a removal repairs the probe run behind the hole at once.
+ * (7/8 of the size), short of the largest size, and halves when a removal
+ * leaves `count` below `low_limit` (1/4 of the size, 0 at the minimum size).
+ * No deleted-entry marker exists: a removal repairs the probe run behind the
+ * hole at once.
  * Only a resize allocates; a lookup touches the keys array alone.
  *
  * The table record and both arrays are MM_ blocks owned by the table from
@@ -31,12 +32,18 @@
 extern "C" {
 #endif
 
+/** \defgroup family_hsh HSH: hash table
+ * The rules of the family stand at the top of vorn_hsh.h.
+ * @{ */
+
 typedef struct HSH_table HSH_table;
 typedef struct HSH_iter HSH_iter;
 
 /* The table.  All fields are public and read-only to callers.
- * Invariants: `count` is the number of non-zero keys and never exceeds
- * `high_limit`, so an empty slot always ends a probe; every key stands in its
+ * Invariants: `count` is the number of non-zero keys and stays below
+ * `size`, so an empty slot always ends a probe; below the largest size
+ * (2^30 slots) it never exceeds `high_limit`, at the largest size it may
+ * fill past it up to size - 1 (see HSH_set_value); every key stands in its
  * home slot or behind it in probe order (wrapping through `mask`) with no
  * empty slot between; no key stands twice. */
 struct HSH_table {
@@ -122,6 +129,8 @@ static inline int32_t HSH_contains_key_inline(HSH_table *table, void *key) {
 #define HSH_get_value(table, key) HSH_get_value_inline((table), (key))
 #define HSH_contains_key(table, key) HSH_contains_key_inline((table), (key))
 #endif
+
+/** @} */
 
 #ifdef __cplusplus
 }

@@ -46,6 +46,10 @@
 extern "C" {
 #endif
 
+/** \defgroup family_io_lut io_lut: pointer tables
+ * The rules of the family stand at the top of vorn_io_lut.h.
+ * @{ */
+
 typedef struct io_lut_table io_lut_table;
 typedef struct io_lut_iter io_lut_iter;
 
@@ -86,7 +90,8 @@ VORN_API int32_t io_lut_add(io_lut_table *table, void *pointer);
 
 /* Gives `pointer` the identifier `id`.
  * Read: with overwrite 0, an id below nitems whose slot differs from the
- * pointer raises (IO_LUT_RAISE_SET_SLOT_TAKEN; a hole differs from any non-null pointer);
+ * pointer raises IO_LUT_RAISE_SET_SLOT_TAKEN (a hole differs from any
+ * non-null pointer);
  * otherwise the slot takes the pointer, an id at or beyond the end
  * lengthening the array with holes.  A negative id (outside the contract)
  * changes nothing.
@@ -125,6 +130,8 @@ VORN_API void *io_lut_next_item(io_lut_iter *iter);
 /* Releases the array or the hash table, sets *handle to null and frees the
  * record.  A null address or a handle holding null does nothing. */
 VORN_API void io_lut_release(io_lut_table **handle);
+
+/** @} */
 
 #ifdef __cplusplus
 }

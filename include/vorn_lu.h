@@ -24,6 +24,10 @@
 extern "C" {
 #endif
 
+/** \defgroup family_lu vorn_lu: lookup
+ * The rules of the family stand at the top of vorn_lu.h.
+ * @{ */
+
 typedef struct vorn_lu vorn_lu;
 
 /* The lookup.  The slot is empty when `last_key` is 0. */
@@ -71,6 +75,8 @@ VORN_API void vorn_lu_apply(vorn_lu *lu, vorn_lu_apply_fn apply);
  * frees the table and the record and writes null into *handle.  A null
  * address or a handle holding null does nothing. */
 VORN_API void vorn_lu_release(vorn_lu **handle, vorn_lu_release_fn release);
+
+/** @} */
 
 #ifdef __cplusplus
 }

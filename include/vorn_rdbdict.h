@@ -28,6 +28,10 @@
 extern "C" {
 #endif
 
+/** \defgroup family_rdbdict RDBDICT: topic dictionary
+ * The rules of the family stand at the top of vorn_rdbdict.h.
+ * @{ */
+
 /* A new empty dictionary; the same as GENDICT_create. */
 VORN_API SL_list *RDBDICT_create(void);
 
@@ -65,9 +69,12 @@ VORN_API void RDBDICT_release(SL_list **handle);
  * Each topic is "[topic]\n" followed by its keys indented by two blanks. */
 VORN_API void RDBDICT_print(SL_list *dict);
 
-/* The DICT form: the same as GENDICT_to_buf and GENDICT_from_buf. */
+/* Writes the DICT form as GENDICT_to_buf does. */
 VORN_API void RDBDICT_to_buf(SL_list *dict, char **buf, int32_t *length);
+/* Reads the DICT form as GENDICT_from_buf does. */
 VORN_API SL_list *RDBDICT_from_buf(const char *text);
+
+/** @} */
 
 #ifdef __cplusplus
 }

@@ -28,6 +28,10 @@
 extern "C" {
 #endif
 
+/** \defgroup family_sa SA: number sets
+ * The rules of the family stand at the top of vorn_sa.h.
+ * @{ */
+
 /* Adds the number at its place by binary search; a number already there
  * changes nothing and touches no block.  A number above all others goes in
  * through DA_insert beyond the end, which asks for one slot more. */
@@ -53,6 +57,8 @@ VORN_API void SA_adapt_for_reverse(DA_array *set, int32_t count);
  * are rolled behind the others with DA_roll.  An empty set is left alone;
  * on a non-empty set `count` must not be 0. */
 VORN_API void SA_adapt_for_roll(DA_array *set, int32_t shift, int32_t count);
+
+/** @} */
 
 #ifdef __cplusplus
 }

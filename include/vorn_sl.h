@@ -34,6 +34,10 @@
 extern "C" {
 #endif
 
+/** \defgroup family_sl SL: intrusive list
+ * The rules of the family stand at the top of vorn_sl.h.
+ * @{ */
+
 typedef struct SL_list SL_list;
 typedef struct SL_iter SL_iter;
 
@@ -110,6 +114,7 @@ VORN_API void SL_insert_before(SL_list *list, void *pos, void *record);
  * index of count or more, or an empty list give 0 and leave the record
  * untouched. */
 VORN_API int32_t SL_insert_after_index(SL_list *list, int32_t index, void *record);
+/* As SL_insert_after_index, ahead of the record at `index`. */
 VORN_API int32_t SL_insert_before_index(SL_list *list, int32_t index, void *record);
 /* Appends the record unless this very record (same address) is on the list
  * already; then nothing changes.  Linear in count.  The search also ends at
@@ -162,15 +167,22 @@ VORN_API void SL_roll(SL_list *list, void *pos);
 
 /* ---- walks ---- */
 
+/* A walk over every record from first to last. */
 VORN_API SL_iter SL_all_items(SL_list *list);
+/* A walk over every record from last to first. */
 VORN_API SL_iter SL_all_items_reversed(SL_list *list);
 /* From `from` to `to` inclusive in the given direction; the list is not
  * read.  On an open list a `to` that does not lie ahead of `from` lets the
  * walk run to the end of the list; on a ring the walk passes the seam, so
  * `to` must be on that ring.  A null `from` gives a walk that is over. */
 VORN_API SL_iter SL_all_items_inbetween(SL_list *list, void *from, void *to, int32_t forward);
+/* As SL_all_items, delivering only the records that `test` accepts. */
 VORN_API SL_iter SL_tested_items(SL_list *list, SL_test_fn test);
+/* As SL_all_items_reversed, delivering only the records that `test`
+ * accepts. */
 VORN_API SL_iter SL_tested_items_reversed(SL_list *list, SL_test_fn test);
+/* As SL_all_items_inbetween, delivering only the records that `test`
+ * accepts. */
 VORN_API SL_iter SL_tested_items_inbetween(SL_list *list, void *from, void *to,
                                            int32_t forward, SL_test_fn test);
 /* A walk that is over before it begins. */
@@ -179,6 +191,8 @@ VORN_API SL_iter SL_empty_iter(void);
  * `record_out`, or 0 when the walk is over.  The out argument is written only
  * for a record that is delivered: after a 0 it holds what it held before. */
 VORN_API int32_t SL_next_item(SL_iter *iter, void **record_out);
+
+/** @} */
 
 #ifdef __cplusplus
 }

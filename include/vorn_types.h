@@ -38,6 +38,10 @@
 extern "C" {
 #endif
 
+/** \defgroup types Shared types and export macros
+ * The rules of the family stand at the top of vorn_types.h.
+ * @{ */
+
 /* Test: non-zero accepts the item (GL: the item word; EL: pointer to the
  * element bytes; SL: the record; GT, DA: the item), 0 passes over it. */
 typedef int32_t (*vorn_test_fn)(void *item);
@@ -56,6 +60,8 @@ typedef void (*vorn_print_fn)(void *item);
 typedef void (*vorn_apply_fn)(void *value);
 /* Colour callback (RGBLUT_init). */
 typedef void (*vorn_colour_fn)(int32_t index, int16_t r, int16_t g, int16_t b);
+
+/** @} */
 
 #ifdef __cplusplus
 }

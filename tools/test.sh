@@ -1,6 +1,11 @@
 #!/usr/bin/env bash
-# Builds with warnings as errors and runs every test, then builds again with
-# AddressSanitizer and UndefinedBehaviorSanitizer and runs every test again.
+# The whole check, as CI runs it: builds with warnings as errors and runs
+# every test (the install, consumer and external-base tests among them), then
+# builds again with AddressSanitizer and UndefinedBehaviorSanitizer and runs
+# every test again; then a short smoke run of each fuzz target, the thread
+# tests under ThreadSanitizer, the suite under valgrind memcheck, the public
+# headers as an MSVC host sees them (clang for i686-pc-windows-msvc), and the
+# API reference with Doxygen, warnings as errors.  Installs what is missing.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 tools/deps.sh
@@ -25,4 +30,8 @@ echo "== ThreadSanitizer: containers of several threads, blocks freed on other t
 tools/tsan.sh
 echo "== valgrind memcheck: the whole test binary, every block from malloc"
 tools/valgrind.sh
+echo "== public headers for MSVC hosts (C and C++, warnings as errors)"
+tools/msvc-headers.sh
+echo "== API reference, Doxygen warnings as errors"
+tools/docs.sh
 echo "== all tests passed"

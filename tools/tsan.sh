@@ -1,8 +1,9 @@
 #!/usr/bin/env bash
 # Builds with ThreadSanitizer into build/tsan and runs the thread tests
-# under it.  Sanitizer builds give every block to the system allocator, so
-# the slabs of the normal build are exercised by the same tests run in the
-# ordinary build (tools/test.sh).  CXX=clang++ CC=clang picks clang.
+# under it.  Unlike the address and undefined-behaviour builds, which give
+# every block to the system allocator, this build keeps the slabs of the
+# normal build, so that their own locking is checked as well as the
+# containers.  CXX=clang++ CC=clang picks clang.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 cmake -S . -B build/tsan -DCMAKE_BUILD_TYPE=RelWithDebInfo -DVORN_SANITIZE=thread \

@@ -6,9 +6,11 @@
 #   - a comment that begins a line documents the declaration below it;
 #   - a comment behind code on the same line documents that code (fields,
 #     constants, typedefs);
-#   - section rules such as "/* ---- walks ---- */" stay plain comments.
+#   - section rules such as "/* ---- walks ---- */" and comments behind a
+#     preprocessor line (an include guard's #endif) stay plain comments.
 # Inside the comments, characters that Doxygen would read as commands or
-# markup (\ @ < > & # % $ *) are escaped, so the text shows as written.
+# markup (\ @ < > & # % $ *) are escaped outside double quotes (Doxygen
+# shows quoted text as it stands), so the text shows as written.
 use strict;
 use warnings;
 
@@ -16,10 +18,16 @@ my $state = 'code';    # code | doc | plain
 my $seen_comment = 0;
 my $file_doc = 0;      # the open comment describes the file, not yet marked
 
+my $in_quote = 0;      # inside a double-quoted text, which Doxygen shows as is
+
 sub escape_text {
     my ($text) = @_;
-    $text =~ s/([\\@<>&#%\$*])/\\$1/g;
-    return $text;
+    my @parts = split /"/, $text, -1;
+    for my $i (0 .. $#parts) {
+        $in_quote = !$in_quote if $i > 0;
+        $parts[$i] =~ s/([\\@<>&#%\$*])/\\$1/g unless $in_quote;
+    }
+    return join '"', @parts;
 }
 
 # Escapes the body of a comment line, keeping the " * " decoration at the
@@ -30,7 +38,9 @@ sub body {
     if ($rest =~ /^(.*?)\*\/(.*)$/s) {
         my $close = $file_doc ? ' @file */' : '*/';
         $file_doc = 0;
-        return ($deco . escape_text($1) . $close . $2, 1);
+        my $text = escape_text($1);
+        $in_quote = 0;
+        return ($deco . $text . $close . $2, 1);
     }
     return ($deco . escape_text($rest), 0);
 }
@@ -53,7 +63,13 @@ while (my $line = <>) {
         my $first = !$seen_comment;
         $seen_comment = 1;
         my $marker;
-        if ($before =~ /\S/) {
+        if ($before =~ /^\s*#/) {
+            # Behind a preprocessor line (an include guard's #endif): no
+            # documentation of the declaration before it.
+            $state = 'plain' unless $after =~ /\*\//;
+            print $line;
+            next;
+        } elsif ($before =~ /\S/) {
             $marker = '/**<';
         } elsif ($after =~ /^\s*-{2,}/) {
             $state = 'plain' unless $after =~ /\*\//;
