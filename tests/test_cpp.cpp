@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <cstdarg>
-#include <cstdio>
 #include <functional>
 #include <map>
 #include <random>
@@ -15,26 +14,23 @@
 
 namespace {
 
-std::string g_out;
-int capture(const char *format, ...) {
-    char buf[256];
+// GT's three leak counters (trees, nodes, iterators), summed from what
+// GT_check prints: 0 exactly when none is left.
+int64_t g_leaks = 0;
+int add_leak(const char *format, ...) {
     va_list ap;
     va_start(ap, format);
-    const int n = std::vsnprintf(buf, sizeof buf, format, ap);
+    g_leaks += va_arg(ap, int);
     va_end(ap);
-    g_out += buf;
-    return n;
+    return 0;
 }
-// GT's leak counters as GT_check prints them.
-std::string gt_leaks() {
-    auto *before = Tprintf;
-    g_out.clear();
-    Tprintf = capture;
+int64_t gt_leaks() {
+    auto *before = std::exchange(Tprintf, add_leak);
+    g_leaks = 0;
     GT_check();
     Tprintf = before;
-    return g_out;
+    return g_leaks;
 }
-const std::string kNoLeak = "allocated trees      = 0\nallocated tree_items = 0\nallocated tree_iters = 0\n";
 
 // Every test leaves no MM_ block and no GT record behind.
 class Cpp : public ::testing::Test {
@@ -42,7 +38,7 @@ protected:
     void SetUp() override { blocks_ = MM_blocks_in_use(); }
     void TearDown() override {
         EXPECT_EQ(MM_blocks_in_use(), blocks_);
-        EXPECT_EQ(gt_leaks(), kNoLeak);
+        EXPECT_EQ(gt_leaks(), 0);
     }
     int64_t blocks_ = 0;
 };
@@ -139,12 +135,7 @@ TEST_F(Cpp, GtWalksEndTheirIteratorHoweverTheLoopIsLeft) {
             for (int v : vorn::items<int>(t)) GT_find_and_remove_item(t, vorn::to_word(v + 10));
         },
         [](GT_tree *t) { auto w = vorn::walk<int>(GT_all_items_conditional(t, [](void *) { return 1; })); },
-        [](GT_tree *t) {
-            auto w = vorn::items<int>(t);
-            (void)w.begin();
-            vorn::gt_walk<int> moved = std::move(w);
-            EXPECT_EQ(w.get(), nullptr);
-        },
+        [](GT_tree *t) { auto w = vorn::items<int>(t); (void)w.begin(); auto moved = std::move(w); },
     };
     for (size_t i = 0; i < exits.size(); ++i) {
         vorn::gt_tree<int, vorn::compare_integers> tree;
