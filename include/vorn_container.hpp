@@ -487,7 +487,8 @@ constexpr GT_compare_fn compare_fn() noexcept {
 
 enum class duplicates { allowed, not_allowed };
 
-// A GT tree of items T (word types) ordered by Cmp.
+// A GT tree of items T (word types) ordered by Cmp.  An adopted tree keeps
+// the compare it was made with, which should order T as Cmp does.
 template <class T, class Cmp = compare_words>
 class gt_tree : public detail::owner<detail::gt_traits> {
 public:
@@ -506,6 +507,7 @@ public:
         GT_search_item(get(), to_word(key), &pos);
         return pos;
     }
+    // GT_count_items: a visit of every node.
     int32_t size() const { return GT_count_items(get()); }
 };
 
