@@ -2,9 +2,11 @@
 // no iterator end, no compare trampoline and no error decoder of its own.
 //
 // The job: keep the pages of a document in a GL list and their order by
-// number in a GT tree, drop blank pages while walking, keep guide positions
-// as doubles and offsets in arrays, give pages identifiers for writing, read
-// settings from a dictionary's text form, and report a raise by its meaning.
+// number in a GT tree, drop blank pages while walking, keep outlines, guide
+// positions, layers, undo steps and offsets in the other sequences and
+// arrays, look pages up in the tables, give them identifiers for writing,
+// read settings from a dictionary's text form, and report a raise by its
+// meaning.
 // Exits 0 when every step gave what the comments say and every block was
 // released.
 #include <cstdio>
@@ -87,6 +89,38 @@ void run() {
     for (int32_t o : vorn::items(offsets)) total += o;
     expect(total == 4950, "array walked");
 
+    // The host's own records on an SL list: the layers of a page.
+    struct Layer {
+        Layer *prev, *next;
+        const char *name;
+    };
+    Layer layers[] = {{nullptr, nullptr, "grid"}, {nullptr, nullptr, "notes"}};
+    vorn::sl_list layer_list;  // declared after the records it holds
+    for (Layer &l : layers) SL_append_after_last(layer_list.get(), &l);
+    std::string names;
+    for (Layer &l : vorn::items<Layer>(layer_list)) names += l.name;
+    expect(names == "gridnotes", "records walked");
+
+    // An undo stack, a block of points, a table and a lookup from page to
+    // its number.
+    vorn::es_stack<int32_t> undo;
+    for (int32_t step : {1, 2, 3}) ES_push(undo.get(), &step);
+    int32_t top = 0;
+    expect(ES_pop(undo.get(), &top) && top == 3, "stack pops its top");
+    vorn::gb_list<Point> block;
+    for (Point &pt : vorn::items(outline)) GB_append_after_last(block.get(), &pt);
+    expect(vorn::items(block).size() == 4, "block holds the outline");
+    vorn::hsh_table numbers(0, 4);
+    vorn::lookup last_seen;
+    for (Page &p : pages) {
+        HSH_set_value(numbers.get(), &p, vorn::to_word(p.number));
+        vorn_lu_add(last_seen.get(), &p, vorn::to_word(p.number));
+    }
+    int sum = 0;
+    for (auto [page, number] : vorn::entries<Page, int>(numbers)) sum += number - page->number;
+    expect(sum == 0 && vorn::from_word<int>(vorn_lu_get(last_seen.get(), &pages[0])) == 3,
+           "tables give each page its number");
+
     // Identifiers for writing pages out, and the way back for reading.
     vorn::io_lut_write out;
     vorn::io_lut_read in;
@@ -101,6 +135,11 @@ void run() {
     const auto title = settings.find("title");
     expect(title && vorn::get<std::string_view>(*title) == "plan", "title read");
     std::printf("%s", settings.to_text().c_str());
+    vorn::rdb_dict view;
+    view.set("grid", "step", 12);
+    view.set("grid", "colour", "blue");
+    expect(view.topic("grid").size() == 2 && view.find("grid", "step")->to_int() == 12,
+           "topics hold their keys");
 
     // A raise becomes an exception that names the operation and condition.
     try {
