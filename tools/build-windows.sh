@@ -17,7 +17,7 @@ cxx=$triple-g++-posix
 objdump=$triple-objdump
 
 configure() {
-  cmake -S . -B "$dir" -DCMAKE_TOOLCHAIN_FILE=cmake/toolchain-mingw32.cmake \
+  cmake -S . -B "$dir" -DCMAKE_TOOLCHAIN_FILE="$PWD/cmake/toolchain-mingw32.cmake" \
     -DVORN_GTEST_FROM_SOURCE=ON -DVORN_WERROR=ON -DCMAKE_BUILD_TYPE=RelWithDebInfo "$@" >/dev/null
 }
 configure

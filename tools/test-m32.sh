@@ -22,7 +22,7 @@ if ! "$probe" 2>/dev/null; then
   emulator=(-DCMAKE_CROSSCOMPILING_EMULATOR="$(command -v qemu-i386)")
 fi
 
-cmake -S . -B "$dir" -DCMAKE_TOOLCHAIN_FILE=cmake/toolchain-m32.cmake \
+cmake -S . -B "$dir" -DCMAKE_TOOLCHAIN_FILE="$PWD/cmake/toolchain-m32.cmake" \
   -DVORN_GTEST_FROM_SOURCE=ON -DVORN_WERROR=ON -DVORN_MM_CHECKED=ON \
   -DCMAKE_BUILD_TYPE=RelWithDebInfo "${emulator[@]}" >/dev/null
 cmake --build "$dir" -j"$(nproc)"
