@@ -1,0 +1,109 @@
+// The hooks of the checked build.  Each exported operation of a checked
+// family calls VORN_CHK(...) first (and where needed last); in the normal
+// build the macro is empty and no code or table exists.  What the hooks
+// check and how a problem is reported is described in vorn_checked.h; the
+// side tables live in checked.cpp.
+#pragma once
+
+#if defined(VORN_CHECKED)
+
+#include <cstdint>
+
+#include "vorn_checked.h"
+#include "vorn_da.h"
+#include "vorn_el.h"
+#include "vorn_gl.h"
+#include "vorn_gt.h"
+#include "vorn_hsh.h"
+#include "vorn_sl.h"
+
+#if defined(__GNUC__)
+#pragma GCC visibility push(hidden)
+#endif
+
+namespace vorn::checked {
+
+enum class Kind : uint8_t { GL = 1, EL, SL, GT, GT_walk, DA, HSH };
+
+// ---- handles ----
+void born(const void *handle, Kind kind);
+void dies(const char *op, const void *handle, Kind kind);  // checks, then forgets
+void forget(const void *handle);                           // no check (GT walks)
+void live(const char *op, const void *handle, Kind kind);
+
+inline Kind kind_of(const GL_list *) { return Kind::GL; }
+inline Kind kind_of(const EL_list *) { return Kind::EL; }
+inline Kind kind_of(const SL_list *) { return Kind::SL; }
+inline Kind kind_of(const GT_tree *) { return Kind::GT; }
+inline Kind kind_of(const GT_iter *) { return Kind::GT_walk; }
+inline Kind kind_of(const DA_array *) { return Kind::DA; }
+inline Kind kind_of(const HSH_table *) { return Kind::HSH; }
+template <class T>
+void born(const T *handle) {
+    born(handle, kind_of(handle));
+}
+template <class T>
+void dies(const char *op, const T *handle) {
+    dies(op, handle, kind_of(handle));
+}
+template <class T>
+void live(const char *op, const T *handle) {
+    live(op, handle, kind_of(handle));
+}
+
+// ---- list membership, kept by the list machinery ----
+void on_link(const void *head, const void *node);
+void on_unlink(const void *head, const void *node, int32_t count_left);
+void on_drain(const void *head, const void *node);
+void on_splice(const void *head, const void *second);
+void on_split(const EL_list *end);  // the items of `end` left another list
+
+// ---- the linked lists: the handle is live, then its shape; `pos` is on it ----
+void list(const char *op, const GL_list *l);
+void list(const char *op, const EL_list *l);
+void list(const char *op, const SL_list *l);
+void list_pos(const char *op, const GL_list *l, const void *pos);
+void list_pos(const char *op, const EL_list *l, const void *pos);
+void list_pos(const char *op, const SL_list *l, const void *pos);
+// A walk's start: not read by every family, so a null list or `from`
+// passes; otherwise `from` must be on the list.  `to` is not checked: a
+// removal over a range stops when the list is empty, wherever `to` lies.
+void list_range(const char *op, const void *l, const void *from, const void *to);
+void list_full(const char *op, const GL_list *l);
+void list_full(const char *op, const EL_list *l);
+void list_full(const char *op, const SL_list *l);
+void record_unlinked(const char *op, const void *record, const void *allowed);
+void walk(const char *op, const void *next);
+void on_a_list(const char *op, const void *pos);
+void item_size(const char *op, const EL_node *pos, int32_t size, bool exact);
+
+// ---- GT ----
+// A null tree passes.  gt_live checks the handle alone, gt also the tree's
+// shape after a change (never before one: the tree's own raises for a
+// broken balance come first).
+void gt_live(const char *op, const GT_tree *t);
+void gt(const char *op, const GT_tree *t);
+void gt_inserted(const char *op, const GT_tree *t, const GT_node *n);
+void gt_full(const char *op, const GT_tree *t);
+void gt_walk(const char *op, const GT_iter *it);
+
+// ---- DA and HSH ----
+void da(const char *op, const DA_array *a);
+// An index (a count, for DA_truncate and DA_setsize) must not be negative;
+// a range to delete must lie within the items.
+void da_index(const char *op, const DA_array *a, int32_t index);
+void da_range(const char *op, const DA_array *a, int32_t index, int32_t count);
+void hsh(const char *op, const HSH_table *t);
+void hsh_around(const char *op, const HSH_table *t, const void *key);
+
+}  // namespace vorn::checked
+
+#if defined(__GNUC__)
+#pragma GCC visibility pop
+#endif
+
+#define VORN_CHK(call) ::vorn::checked::call
+
+#else
+#define VORN_CHK(call) ((void)0)
+#endif
