@@ -440,7 +440,14 @@ void gt_full(const char *op, const GT_tree *t) {
              static_cast<const void *>(t), static_cast<const void *>(expected));
 }
 
-void gt_walk(const char *op, const GT_iter *it) { check_live(op, it, Kind::GT_walk); }
+void gt_walk(const char *op, const GT_iter *it) {
+    bool walk_live;
+    {
+        Guard guard(table_lock);
+        walk_live = it && live_handles.get(it) == as_word(Kind::GT_walk);
+    }
+    if (!walk_live) fail(CHK_GT_WALK_DEAD, op, "GT walk %p was ended or used up", static_cast<const void *>(it));
+}
 
 // ---- DA ----
 
