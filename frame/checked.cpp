@@ -91,9 +91,12 @@ class AddressMap {
         void *value;
     };
     size_t mask() const { return slots_.size() - 1; }
+    // Neighbouring addresses (nodes allocated together) get neighbouring
+    // slots, so a walk along a list reads the table in order; each 4 MiB of
+    // addresses starts at a scattered slot.
     size_t home(const void *key) const {
-        const auto k = reinterpret_cast<uintptr_t>(key);
-        return static_cast<size_t>((k >> 4) * 0x9E3779B97F4A7C15ull >> 20) & mask();
+        const auto k = static_cast<uint64_t>(reinterpret_cast<uintptr_t>(key));
+        return static_cast<size_t>((k >> 4) + (k >> 22) * 0x9E3779B97F4A7C15ull) & mask();
     }
     void grow() {
         std::vector<Slot> old(slots_.empty() ? 64 : slots_.size() * 2);
@@ -121,6 +124,25 @@ AddressMap dead_handles;  // released handle -> Kind, until the address is reuse
 AddressMap head_groups;   // list head -> its root Group, while it holds items
 AddressMap node_groups;   // node or linked record -> a Group of its list
 std::atomic<uint32_t> operations{0};
+// Bumped whenever a handle dies or a node leaves its list: what a thread
+// found valid stays valid while these have not moved.
+std::atomic<uint64_t> deaths{0};
+std::atomic<uint64_t> departures{0};
+
+// Per thread, the handles found live lately and the last position a walk
+// was found on a list, each with the epoch it was found at: repeated calls
+// on one container and walks along a list need no look-up in the tables.
+struct LiveMemo {
+    const void *handle;
+    Kind kind;
+    uint64_t epoch;
+};
+thread_local LiveMemo live_memo[4];
+struct WalkMemo {
+    const vorn::frame::SL_link *node;
+    uint64_t epoch;
+};
+thread_local WalkMemo walk_memo;
 
 using Guard = std::lock_guard<std::mutex>;
 
@@ -173,10 +195,16 @@ void drop_groups(const void *head) {
 }
 
 void check_live(const char *op, const void *handle, Kind kind) {
+    const uint64_t epoch = deaths.load(std::memory_order_acquire);
+    LiveMemo &memo = live_memo[(reinterpret_cast<uintptr_t>(handle) >> 4) & 3];
+    if (handle && memo.handle == handle && memo.kind == kind && memo.epoch == epoch) return;
     bool released = false;
     {
         Guard guard(table_lock);
-        if (handle && live_handles.get(handle) == as_word(kind)) return;
+        if (handle && live_handles.get(handle) == as_word(kind)) {
+            memo = {handle, kind, epoch};
+            return;
+        }
         released = handle && dead_handles.get(handle) == as_word(kind);
     }
     if (released)
@@ -277,11 +305,13 @@ void dies(const char *op, const void *handle, Kind kind) {
     Guard guard(table_lock);
     live_handles.erase(handle);
     dead_handles.put(handle, as_word(kind));
+    deaths.fetch_add(1, std::memory_order_release);
 }
 
 void forget(const void *handle) {
     Guard guard(table_lock);
     live_handles.erase(handle);
+    deaths.fetch_add(1, std::memory_order_release);
 }
 
 void live(const char *op, const void *handle, Kind kind) { check_live(op, handle, kind); }
@@ -302,6 +332,7 @@ void on_unlink(const void *head, const void *node, int32_t count_left) {
     Guard guard(table_lock);
     if (node) node_groups.erase(node);
     if (count_left == 0) drop_groups(head);
+    departures.fetch_add(1, std::memory_order_release);
 }
 
 void on_drain(const void *head, const void *node) { on_unlink(head, node, node ? 1 : 0); }
@@ -352,9 +383,19 @@ void record_unlinked(const char *op, const void *record, const void *allowed) {
         fail(CHK_RECORD_LINKED, op, "record %p is already linked into list %p", record, l);
 }
 
+// A position linked to one found on a list is on that list too, as long as
+// no node has left any list since; otherwise the tables are asked.
 void walk(const char *op, const void *next) {
-    if (next && !owner(next))
-        fail(CHK_WALK_STALE, op, "the walk's next position %p is on no list", next);
+    if (!next) return;
+    const uint64_t epoch = departures.load(std::memory_order_acquire);
+    const auto *n = static_cast<const vorn::frame::SL_link *>(next);
+    if (walk_memo.epoch == epoch && walk_memo.node &&
+        (walk_memo.node->next == n || walk_memo.node->prev == n)) {
+        walk_memo.node = n;
+        return;
+    }
+    if (!owner(next)) fail(CHK_WALK_STALE, op, "the walk's next position %p is on no list", next);
+    walk_memo = {n, epoch};
 }
 
 void on_a_list(const char *op, const void *pos) {
