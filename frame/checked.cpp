@@ -123,7 +123,8 @@ AddressMap live_handles;  // handle -> Kind
 AddressMap dead_handles;  // released handle -> Kind, until the address is reused
 AddressMap head_groups;   // list head -> its root Group, while it holds items
 AddressMap node_groups;   // node or linked record -> a Group of its list
-std::atomic<uint32_t> operations{0};
+std::atomic<uint64_t> operations{0};
+std::atomic<uint64_t> next_full_check{VORN_CHECKED_PERIOD};
 // Bumped whenever a handle dies or a node leaves its list: what a thread
 // found valid stays valid while these have not moved.
 std::atomic<uint64_t> deaths{0};
@@ -161,10 +162,18 @@ const char *name_of(Kind kind) {
 
 void *as_word(Kind kind) { return reinterpret_cast<void *>(static_cast<uintptr_t>(kind)); }
 
-// True once in every VORN_CHECKED_PERIOD checked operations.
+// A full check of the container at hand is due once VORN_CHECKED_PERIOD
+// checked operations have passed since the last one, and at least 8 per
+// item that the last one visited: so its cost stays a constant share of
+// every operation, however large the containers.
 bool full_check_due() {
-    return operations.fetch_add(1, std::memory_order_relaxed) % VORN_CHECKED_PERIOD ==
-           VORN_CHECKED_PERIOD - 1;
+    return operations.fetch_add(1, std::memory_order_relaxed) + 1 >=
+           next_full_check.load(std::memory_order_relaxed);
+}
+
+void full_check_done(uint64_t visited) {
+    const uint64_t wait = visited * 8 > VORN_CHECKED_PERIOD ? visited * 8 : VORN_CHECKED_PERIOD;
+    next_full_check.store(operations.load(std::memory_order_relaxed) + wait, std::memory_order_relaxed);
 }
 
 Group *root_of(Group *g) {
@@ -288,6 +297,7 @@ void check_full(const char *op, const H *l) {
     }
     if (seen != l->count)
         fail(CHK_COUNT, op, "list %p holds count %d but %d items", static_cast<const void *>(l), l->count, seen);
+    full_check_done(static_cast<uint64_t>(seen));
 }
 
 }  // namespace
@@ -475,10 +485,11 @@ void gt_inserted(const char *op, const GT_tree *t, const GT_node *n) {
 void gt_full(const char *op, const GT_tree *t) {
     if (!t) return;
     const GT_node *expected = t->first;
-    height_below(op, t, t->root, expected, 0);
+    const int32_t height = height_below(op, t, t->root, expected, 0);
     if (expected)
         fail(CHK_GT_ORDER, op, "the chain of tree %p holds node %p beyond the tree's nodes",
              static_cast<const void *>(t), static_cast<const void *>(expected));
+    full_check_done(uint64_t{1} << (height < 40 ? height : 40));
 }
 
 void gt_walk(const char *op, const GT_iter *it) {
@@ -536,6 +547,7 @@ void hsh_full(const char *op, const HSH_table *t) {
     }
     if (keys != t->count)
         fail(CHK_COUNT, op, "table %p holds count %d but %d keys", static_cast<const void *>(t), t->count, keys);
+    full_check_done(t->mask + uint64_t{1});
 }
 
 }  // namespace

@@ -4,9 +4,12 @@
  * A library configured with -DVORN_CHECKED=ON exports the same functions
  * with the same records.  Before its work each operation checks what its
  * header leaves to the caller, and after a change it checks the container's
- * own invariants where that is cheap; a full check of the container at hand
- * runs every VORN_CHECKED_PERIOD checked operations and inside the
- * operations that walk the whole container anyway (count, check, release).
+ * own invariants where that is cheap.  A full check of the container at
+ * hand runs inside the operations that walk it whole anyway (GL_check,
+ * SL_check, the *_make_empty of lists, GT_count_items), and otherwise once
+ * VORN_CHECKED_PERIOD checked operations have passed since the last full
+ * check and at least 8 per item that one visited, so that its cost stays a
+ * constant share of each operation.
  *
  * A problem caught prints one line through Tprintf,
  *   "vorn_container: OPERATION: what is wrong"
@@ -35,7 +38,7 @@
 #ifndef VORN_CHECKED_H
 #define VORN_CHECKED_H
 
-/* Checked operations between two full checks of the container at hand. */
+/* The fewest checked operations between two full checks. */
 #ifndef VORN_CHECKED_PERIOD
 #define VORN_CHECKED_PERIOD 4096
 #endif

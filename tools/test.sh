@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Builds with warnings as errors and runs every test, then builds again with
-# AddressSanitizer and UndefinedBehaviorSanitizer and runs every test again.
+# Builds with warnings as errors and runs every test, then again as the
+# checked build, then with AddressSanitizer and UndefinedBehaviorSanitizer.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 tools/deps.sh
@@ -16,11 +16,15 @@ run() {  # run <build dir> <cmake args...>
 
 echo "== build with warnings as errors, all tests"
 run build/test -DCMAKE_BUILD_TYPE=RelWithDebInfo -DVORN_MM_CHECKED=ON
+echo "== checked build (VORN_CHECKED), all tests: no false alarm"
+run build/checked -DCMAKE_BUILD_TYPE=RelWithDebInfo -DVORN_CHECKED=ON
 echo "== AddressSanitizer + UndefinedBehaviorSanitizer, all tests"
 ASAN_OPTIONS=detect_leaks=1:abort_on_error=1 UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1 \
   run build/asan -DCMAKE_BUILD_TYPE=Debug -DVORN_SANITIZE=address,undefined -DVORN_GTEST_FROM_SOURCE=ON
 echo "== fuzz targets, a short smoke run each (clang, AddressSanitizer + UndefinedBehaviorSanitizer)"
 tools/fuzz.sh 6
+echo "== fuzz targets against the checked build, a short smoke run each"
+tools/fuzz.sh 6 -DVORN_CHECKED=ON
 echo "== ThreadSanitizer: containers of several threads, blocks freed on other threads"
 tools/tsan.sh
 echo "== valgrind memcheck: the whole test binary, every block from malloc"
