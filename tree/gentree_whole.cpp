@@ -34,7 +34,7 @@ void empty(GT_tree *tree, bool with_items) {
 
 // Iterators still open are orphaned: they keep their record and their count
 // until a step or GT_end_iterator frees them.
-void release(const char *op, GT_tree **handle, bool with_items) {
+void release([[maybe_unused]] const char *op, GT_tree **handle, bool with_items) {
     if (!handle || !*handle) return;
     GT_tree *tree = *handle;
     VORN_CHK(dies(op, tree));
