@@ -13,6 +13,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <mutex>
+#include <thread>
 #include <vector>
 
 #include "list_frame.hpp"
@@ -91,12 +92,10 @@ class AddressMap {
         void *value;
     };
     size_t mask() const { return slots_.size() - 1; }
-    // Neighbouring addresses (nodes allocated together) get neighbouring
-    // slots, so a walk along a list reads the table in order; each 4 MiB of
-    // addresses starts at a scattered slot.
+    // Fibonacci hashing: neighbouring addresses land far apart.
     size_t home(const void *key) const {
         const auto k = static_cast<uint64_t>(reinterpret_cast<uintptr_t>(key));
-        return static_cast<size_t>((k >> 4) + (k >> 22) * 0x9E3779B97F4A7C15ull) & mask();
+        return static_cast<size_t>((k >> 4) * 0x9E3779B97F4A7C15ull >> 20) & mask();
     }
     void grow() {
         std::vector<Slot> old(slots_.empty() ? 64 : slots_.size() * 2);
@@ -109,6 +108,40 @@ class AddressMap {
     size_t used_ = 0;
 };
 
+// What each node or linked record belongs to, by address: a directory of
+// 64 KiB chunks of the address space, each an array with one word per 16
+// bytes (two items always lie 16 bytes apart or more).  Items allocated
+// together share a chunk, so building or walking a list reads the map in
+// order instead of at scattered places.  A chunk stays once made.
+class NodeMap {
+  public:
+    void *get(const void *node) const {
+        void **chunk = static_cast<void **>(chunks_.get(key_of(node)));
+        return chunk ? chunk[index_of(node)] : nullptr;
+    }
+    void put(const void *node, void *value) {
+        void **chunk = static_cast<void **>(chunks_.get(key_of(node)));
+        if (!chunk) {
+            chunk = static_cast<void **>(std::calloc(kSlots, sizeof(void *)));
+            if (!chunk) std::abort();
+            chunks_.put(key_of(node), chunk);
+        }
+        chunk[index_of(node)] = value;
+    }
+    void erase(const void *node) {
+        if (void **chunk = static_cast<void **>(chunks_.get(key_of(node)))) chunk[index_of(node)] = nullptr;
+    }
+
+  private:
+    static constexpr size_t kSlots = 4096;
+    // The chunk's number, offset by one so that no key is 0.
+    static const void *key_of(const void *node) {
+        return reinterpret_cast<const void *>((reinterpret_cast<uintptr_t>(node) >> 16) + 1);
+    }
+    static size_t index_of(const void *node) { return (reinterpret_cast<uintptr_t>(node) >> 4) & (kSlots - 1); }
+    AddressMap chunks_;
+};
+
 // A set of nodes of one list; sets merged by a splice point to the set they
 // joined.  A root knows its list and every set merged into it, so that all
 // of them go when the list is emptied.
@@ -118,11 +151,24 @@ struct Group {
     std::vector<Group *> merged;
 };
 
-std::mutex table_lock;
+// One lock for all tables: a spin lock, since every holder leaves after a
+// few table reads and writes.
+class SpinLock {
+  public:
+    void lock() {
+        while (busy_.exchange(true, std::memory_order_acquire))
+            while (busy_.load(std::memory_order_relaxed)) std::this_thread::yield();
+    }
+    void unlock() { busy_.store(false, std::memory_order_release); }
+
+  private:
+    std::atomic<bool> busy_{false};
+};
+SpinLock table_lock;
 AddressMap live_handles;  // handle -> Kind
 AddressMap dead_handles;  // released handle -> Kind, until the address is reused
 AddressMap head_groups;   // list head -> its root Group, while it holds items
-AddressMap node_groups;   // node or linked record -> a Group of its list
+NodeMap node_groups;      // node or linked record -> a Group of its list
 std::atomic<uint64_t> operations{0};
 std::atomic<uint64_t> next_full_check{VORN_CHECKED_PERIOD};
 // Bumped whenever a handle dies or a node leaves its list: what a thread
@@ -145,7 +191,7 @@ struct WalkMemo {
 };
 thread_local WalkMemo walk_memo;
 
-using Guard = std::lock_guard<std::mutex>;
+using Guard = std::lock_guard<SpinLock>;
 
 const char *name_of(Kind kind) {
     switch (kind) {
@@ -564,10 +610,6 @@ void hsh_around(const char *op, const HSH_table *t, const void *key) {
     uint32_t start = home_of(t, key);
     for (uint32_t steps = 0; t->keys[start] && steps <= t->mask; ++steps) start = (start - 1) & t->mask;
     check_run(op, t, start);
-    // The key's slot may lie in the run behind an empty slot it was moved past.
-    uint32_t next = (start + 1) & t->mask;
-    while (t->keys[next]) next = (next + 1) & t->mask;
-    check_run(op, t, next);
 }
 
 }  // namespace vorn::checked
