@@ -202,6 +202,8 @@ const char *name_of(Kind kind) {
         case Kind::GT_walk: return "GT walk";
         case Kind::DA: return "DA array";
         case Kind::HSH: return "HSH table";
+        case Kind::LU: return "vorn_lu lookup";
+        case Kind::IO_LUT: return "io_lut table";
     }
     return "handle";
 }

@@ -15,6 +15,8 @@
 #include "vorn_gl.h"
 #include "vorn_gt.h"
 #include "vorn_hsh.h"
+#include "vorn_io_lut.h"
+#include "vorn_lu.h"
 #include "vorn_sl.h"
 
 #if defined(__GNUC__)
@@ -23,7 +25,7 @@
 
 namespace vorn::checked {
 
-enum class Kind : uint8_t { GL = 1, EL, SL, GT, GT_walk, DA, HSH };
+enum class Kind : uint8_t { GL = 1, EL, SL, GT, GT_walk, DA, HSH, LU, IO_LUT };
 
 // ---- handles ----
 void born(const void *handle, Kind kind);
@@ -38,6 +40,8 @@ inline Kind kind_of(const GT_tree *) { return Kind::GT; }
 inline Kind kind_of(const GT_iter *) { return Kind::GT_walk; }
 inline Kind kind_of(const DA_array *) { return Kind::DA; }
 inline Kind kind_of(const HSH_table *) { return Kind::HSH; }
+inline Kind kind_of(const vorn_lu *) { return Kind::LU; }
+inline Kind kind_of(const io_lut_table *) { return Kind::IO_LUT; }
 template <class T>
 void born(const T *handle) {
     born(handle, kind_of(handle));

@@ -20,8 +20,8 @@
  * documents is left to the library and keeps its own file, line and code.
  *
  * What is tracked, in side tables of the library (the public records keep
- * their layouts): the live handles of GL, EL, SL, GT, DA and HSH and the
- * GT walks; the list that holds each GL and EL node and each linked SL
+ * their layouts): the live handles of GL, EL, SL, GT, DA, HSH, vorn_lu and
+ * io_lut and the GT walks; the list that holds each GL and EL node and each linked SL
  * record.  A splice merges the two lists' sets in constant time; the end part
  * cut off by EL_remove_and_get_end_part is moved item by item.  The tables
  * take one process-wide lock, so containers of different threads stay apart.
@@ -31,9 +31,9 @@
  * with VORN_CHECKED defined, so that it calls the checked exports; the
  * installed package of a checked build defines it for its consumers.
  *
- * Not covered yet: GB, ES (checked through EL), DBLL (through EL), SA,
- * vorn_lu, io_lut, CLUT and the dictionaries run unchecked beyond what the
- * operations they call check.
+ * Not covered yet: GB, ES and DBLL (checked through the EL operations they
+ * call), SA, CLUT and the dictionaries run unchecked beyond what the
+ * operations they call check; vorn_lu and io_lut check their handles.
  */
 #ifndef VORN_CHECKED_H
 #define VORN_CHECKED_H
@@ -50,10 +50,10 @@
 /* X(name, file, line, code, operations, condition) */
 #define VORN_RAISES_CHECKED(X)                                                              \
     X(CHK_HANDLE_NOT_LIVE, "vorn_checked", 101, 9001,                                       \
-      "every GL, EL, SL, GT, DA and HSH operation given a handle",                         \
+      "every GL, EL, SL, GT, DA, HSH, vorn_lu and io_lut operation given a handle",       \
       "the handle is null, was never created or is of another family")                     \
     X(CHK_HANDLE_RELEASED, "vorn_checked", 102, 9001,                                       \
-      "every GL, EL, SL, GT, DA and HSH operation given a handle",                         \
+      "every GL, EL, SL, GT, DA, HSH, vorn_lu and io_lut operation given a handle",       \
       "the handle was released already (use after release, double release)")               \
     X(CHK_POSITION_FOREIGN, "vorn_checked", 103, 9001,                                      \
       "GL, EL and SL operations given a position",                                         \

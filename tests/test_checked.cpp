@@ -92,6 +92,8 @@ const std::vector<Case> &cases() {
          [](Scene &) { HSH_table *h = HSH_create(8, 0), *copy = h; HSH_release(&h); HSH_get_value(copy, key(1)); }},
         {"CHK_HANDLE_RELEASED", "GT_insert_item", "GT tree 0x",
          [](Scene &s) { GT_tree *t = GT_create_with_dupl_allowed(by_value), *copy = t; GT_release(&t); GT_insert_item(copy, s.values); }},
+        {"CHK_HANDLE_RELEASED", "io_lut_look_id", "io_lut table 0x",
+         [](Scene &) { io_lut_table *t = io_lut_create_write(), *copy = t; io_lut_release(&t); io_lut_look_id(copy, key(1)); }},
         {"CHK_POSITION_FOREIGN", "GL_remove_item", "is not in list",
          [](Scene &s) { GL_remove_item(s.gl, s.other->first); }},
         {"CHK_POSITION_FOREIGN", "EL_insert_after", "is not in list",
