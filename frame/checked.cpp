@@ -176,6 +176,14 @@ std::atomic<uint64_t> next_full_check{VORN_CHECKED_PERIOD};
 std::atomic<uint64_t> deaths{0};
 std::atomic<uint64_t> departures{0};
 
+// The memos are read on every call: the initial-exec model reads them
+// without a call into the dynamic loader.
+#if defined(__GNUC__)
+#define VORN_CHK_TLS thread_local __attribute__((tls_model("initial-exec")))
+#else
+#define VORN_CHK_TLS thread_local
+#endif
+
 // Per thread, the handles found live lately and the last position a walk
 // was found on a list, each with the epoch it was found at: repeated calls
 // on one container and walks along a list need no look-up in the tables.
@@ -184,12 +192,12 @@ struct LiveMemo {
     Kind kind;
     uint64_t epoch;
 };
-thread_local LiveMemo live_memo[4];
+VORN_CHK_TLS LiveMemo live_memo[4];
 struct WalkMemo {
     const vorn::frame::SL_link *node;
     uint64_t epoch;
 };
-thread_local WalkMemo walk_memo;
+VORN_CHK_TLS WalkMemo walk_memo;
 
 using Guard = std::lock_guard<SpinLock>;
 
