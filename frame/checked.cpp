@@ -19,6 +19,12 @@
 #include "list_frame.hpp"
 
 namespace vorn::checked {
+
+VORN_CHK_TLS LiveMemo live_memo[4];
+std::atomic<uint64_t> deaths{0};
+VORN_CHK_TLS uint64_t operations;
+VORN_CHK_TLS uint64_t next_full_check = VORN_CHECKED_PERIOD;
+
 namespace {
 
 enum Check : int32_t {
@@ -164,35 +170,27 @@ class SpinLock {
   private:
     std::atomic<bool> busy_{false};
 };
+// A table that is never destroyed, so that calls made while the process
+// exits (by other objects' destructors) still find it.
+template <class T>
+union Lasting {
+    T value;
+    constexpr Lasting() : value() {}
+    ~Lasting() {}
+    T *operator->() { return &value; }
+};
+
 SpinLock table_lock;
-AddressMap live_handles;  // handle -> Kind
-AddressMap dead_handles;  // released handle -> Kind, until the address is reused
-AddressMap head_groups;   // list head -> its root Group, while it holds items
-NodeMap node_groups;      // node or linked record -> a Group of its list
-std::atomic<uint64_t> operations{0};
-std::atomic<uint64_t> next_full_check{VORN_CHECKED_PERIOD};
+Lasting<AddressMap> live_handles;  // handle -> Kind
+Lasting<AddressMap> dead_handles;  // released handle -> Kind, until the address is reused
+Lasting<AddressMap> head_groups;   // list head -> its root Group, while it holds items
+Lasting<NodeMap> node_groups;      // node or linked record -> a Group of its list
 // Bumped whenever a handle dies or a node leaves its list: what a thread
 // found valid stays valid while these have not moved.
-std::atomic<uint64_t> deaths{0};
 std::atomic<uint64_t> departures{0};
 
-// The memos are read on every call: the initial-exec model reads them
-// without a call into the dynamic loader.
-#if defined(__GNUC__)
-#define VORN_CHK_TLS thread_local __attribute__((tls_model("initial-exec")))
-#else
-#define VORN_CHK_TLS thread_local
-#endif
-
-// Per thread, the handles found live lately and the last position a walk
-// was found on a list, each with the epoch it was found at: repeated calls
-// on one container and walks along a list need no look-up in the tables.
-struct LiveMemo {
-    const void *handle;
-    Kind kind;
-    uint64_t epoch;
-};
-VORN_CHK_TLS LiveMemo live_memo[4];
+// Per thread, the last position a walk was found on a list, with the epoch
+// it was found at: a walk along a list needs no look-up in the tables.
 struct WalkMemo {
     const vorn::frame::SL_link *node;
     uint64_t epoch;
@@ -218,18 +216,11 @@ const char *name_of(Kind kind) {
 
 void *as_word(Kind kind) { return reinterpret_cast<void *>(static_cast<uintptr_t>(kind)); }
 
-// A full check of the container at hand is due once VORN_CHECKED_PERIOD
-// checked operations have passed since the last one, and at least 8 per
-// item that the last one visited: so its cost stays a constant share of
-// every operation, however large the containers.
-bool full_check_due() {
-    return operations.fetch_add(1, std::memory_order_relaxed) + 1 >=
-           next_full_check.load(std::memory_order_relaxed);
-}
-
+// The next full check waits at least 8 operations per item this one
+// visited: so its cost stays a constant share of every operation, however
+// large the containers.
 void full_check_done(uint64_t visited) {
-    const uint64_t wait = visited * 8 > VORN_CHECKED_PERIOD ? visited * 8 : VORN_CHECKED_PERIOD;
-    next_full_check.store(operations.load(std::memory_order_relaxed) + wait, std::memory_order_relaxed);
+    next_full_check = operations + (visited * 8 > VORN_CHECKED_PERIOD ? visited * 8 : VORN_CHECKED_PERIOD);
 }
 
 Group *root_of(Group *g) {
@@ -242,7 +233,7 @@ Group *root_of(Group *g) {
 
 // The list holding `node`, or null.  Caller holds the lock.
 const void *owner_locked(const void *node) {
-    auto *g = static_cast<Group *>(node_groups.get(node));
+    auto *g = static_cast<Group *>(node_groups->get(node));
     return g ? root_of(g)->head : nullptr;
 }
 
@@ -252,25 +243,25 @@ const void *owner(const void *node) {
 }
 
 void drop_groups(const void *head) {
-    auto *g = static_cast<Group *>(head_groups.get(head));
+    auto *g = static_cast<Group *>(head_groups->get(head));
     if (!g) return;
     for (Group *m : g->merged) delete m;
     delete g;
-    head_groups.erase(head);
+    head_groups->erase(head);
 }
 
 void check_live(const char *op, const void *handle, Kind kind) {
     const uint64_t epoch = deaths.load(std::memory_order_acquire);
-    LiveMemo &memo = live_memo[(reinterpret_cast<uintptr_t>(handle) >> 4) & 3];
+    LiveMemo &memo = memo_of(handle);
     if (handle && memo.handle == handle && memo.kind == kind && memo.epoch == epoch) return;
     bool released = false;
     {
         Guard guard(table_lock);
-        if (handle && live_handles.get(handle) == as_word(kind)) {
+        if (handle && live_handles->get(handle) == as_word(kind)) {
             memo = {handle, kind, epoch};
             return;
         }
-        released = handle && dead_handles.get(handle) == as_word(kind);
+        released = handle && dead_handles->get(handle) == as_word(kind);
     }
     if (released)
         fail(CHK_HANDLE_RELEASED, op, "%s %p was released already", name_of(kind), handle);
@@ -362,21 +353,21 @@ void check_full(const char *op, const H *l) {
 
 void born(const void *handle, Kind kind) {
     Guard guard(table_lock);
-    live_handles.put(handle, as_word(kind));
-    dead_handles.erase(handle);
+    live_handles->put(handle, as_word(kind));
+    dead_handles->erase(handle);
 }
 
 void dies(const char *op, const void *handle, Kind kind) {
     check_live(op, handle, kind);
     Guard guard(table_lock);
-    live_handles.erase(handle);
-    dead_handles.put(handle, as_word(kind));
+    live_handles->erase(handle);
+    dead_handles->put(handle, as_word(kind));
     deaths.fetch_add(1, std::memory_order_release);
 }
 
 void forget(const void *handle) {
     Guard guard(table_lock);
-    live_handles.erase(handle);
+    live_handles->erase(handle);
     deaths.fetch_add(1, std::memory_order_release);
 }
 
@@ -386,17 +377,17 @@ void live(const char *op, const void *handle, Kind kind) { check_live(op, handle
 
 void on_link(const void *head, const void *node) {
     Guard guard(table_lock);
-    auto *g = static_cast<Group *>(head_groups.get(head));
+    auto *g = static_cast<Group *>(head_groups->get(head));
     if (!g) {
         g = new Group{nullptr, head, {}};
-        head_groups.put(head, g);
+        head_groups->put(head, g);
     }
-    node_groups.put(node, g);
+    node_groups->put(node, g);
 }
 
 void on_unlink(const void *head, const void *node, int32_t count_left) {
     Guard guard(table_lock);
-    if (node) node_groups.erase(node);
+    if (node) node_groups->erase(node);
     if (count_left == 0) drop_groups(head);
     departures.fetch_add(1, std::memory_order_release);
 }
@@ -405,13 +396,13 @@ void on_drain(const void *head, const void *node) { on_unlink(head, node, node ?
 
 void on_splice(const void *head, const void *second) {
     Guard guard(table_lock);
-    auto *moved = static_cast<Group *>(head_groups.get(second));
+    auto *moved = static_cast<Group *>(head_groups->get(second));
     if (!moved) return;
-    head_groups.erase(second);
-    auto *into = static_cast<Group *>(head_groups.get(head));
+    head_groups->erase(second);
+    auto *into = static_cast<Group *>(head_groups->get(head));
     if (!into) {
         moved->head = head;
-        head_groups.put(head, moved);
+        head_groups->put(head, moved);
         return;
     }
     moved->parent = into;
@@ -552,23 +543,22 @@ void gt_walk(const char *op, const GT_iter *it) {
     bool walk_live;
     {
         Guard guard(table_lock);
-        walk_live = it && live_handles.get(it) == as_word(Kind::GT_walk);
+        walk_live = it && live_handles->get(it) == as_word(Kind::GT_walk);
     }
     if (!walk_live) fail(CHK_GT_WALK_DEAD, op, "GT walk %p was ended or used up", static_cast<const void *>(it));
 }
 
 // ---- DA ----
 
-void da(const char *op, const DA_array *a) {
+void da_slow(const char *op, const DA_array *a) {
     check_live(op, a, Kind::DA);
     if (a->nitems < 0 || a->nitems > a->nalloc || (a->nalloc > 0 && !a->data))
         fail(CHK_DA_COUNT, op, "array %p holds nitems %d, nalloc %d and block %p", static_cast<const void *>(a),
              a->nitems, a->nalloc, a->data);
 }
 
-void da_index(const char *op, const DA_array *a, int32_t index) {
-    da(op, a);
-    if (index < 0) fail(CHK_INDEX_RANGE, op, "index %d is negative (array %p)", index, static_cast<const void *>(a));
+void index_negative(const char *op, const DA_array *a, int32_t index) {
+    fail(CHK_INDEX_RANGE, op, "index %d is negative (array %p)", index, static_cast<const void *>(a));
 }
 
 void da_range(const char *op, const DA_array *a, int32_t index, int32_t count) {
@@ -608,12 +598,12 @@ void hsh_full(const char *op, const HSH_table *t) {
 
 }  // namespace
 
-void hsh(const char *op, const HSH_table *t) {
+void hsh_slow(const char *op, const HSH_table *t) {
     check_live(op, t, Kind::HSH);
     if (t->count < 0 || t->count > t->high_limit || t->mask + 1 != static_cast<uint32_t>(t->size))
         fail(CHK_HSH_PROBE, op, "table %p holds count %d of size %d, limit %d", static_cast<const void *>(t),
              t->count, t->size, t->high_limit);
-    if (full_check_due()) hsh_full(op, t);
+    if (operations >= next_full_check) hsh_full(op, t);
 }
 
 void hsh_around(const char *op, const HSH_table *t, const void *key) {

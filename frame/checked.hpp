@@ -7,6 +7,7 @@
 
 #if defined(VORN_CHECKED)
 
+#include <atomic>
 #include <cstdint>
 
 #include "vorn_checked.h"
@@ -26,6 +27,36 @@
 namespace vorn::checked {
 
 enum class Kind : uint8_t { GL = 1, EL, SL, GT, GT_walk, DA, HSH, LU, IO_LUT };
+
+// The per-thread state read on every call; the initial-exec model reads it
+// without a call into the dynamic loader.
+#if defined(__GNUC__)
+#define VORN_CHK_TLS thread_local __attribute__((tls_model("initial-exec")))
+#else
+#define VORN_CHK_TLS thread_local
+#endif
+
+// The handles this thread found live lately, with the count of deaths at
+// the time: while no handle has died since, a handle found there is live.
+struct LiveMemo {
+    const void *handle;
+    Kind kind;
+    uint64_t epoch;
+};
+extern VORN_CHK_TLS LiveMemo live_memo[4];
+extern std::atomic<uint64_t> deaths;
+inline LiveMemo &memo_of(const void *handle) { return live_memo[(reinterpret_cast<uintptr_t>(handle) >> 4) & 3]; }
+inline bool known_live(const void *handle, Kind kind) {
+    const LiveMemo &m = memo_of(handle);
+    return handle && m.handle == handle && m.kind == kind && m.epoch == deaths.load(std::memory_order_acquire);
+}
+
+// Checked operations of this thread, and the count at which a full check
+// of the container at hand is next due: VORN_CHECKED_PERIOD operations
+// after the last one at the least.
+extern VORN_CHK_TLS uint64_t operations;
+extern VORN_CHK_TLS uint64_t next_full_check;
+inline bool full_check_due() { return ++operations >= next_full_check; }
 
 // ---- handles ----
 void born(const void *handle, Kind kind);
@@ -92,12 +123,26 @@ void gt_full(const char *op, const GT_tree *t);
 void gt_walk(const char *op, const GT_iter *it);
 
 // ---- DA and HSH ----
-void da(const char *op, const DA_array *a);
+void da_slow(const char *op, const DA_array *a);
+void index_negative(const char *op, const DA_array *a, int32_t index);
+// The fast path of the cheapest operations stays in the caller; anything
+// unusual goes to the full checks out of line.
+inline void da(const char *op, const DA_array *a) {
+    if (!known_live(a, Kind::DA) || a->nitems < 0 || a->nitems > a->nalloc || (a->nalloc > 0 && !a->data))
+        da_slow(op, a);
+}
 // An index (a count, for DA_truncate and DA_setsize) must not be negative;
 // a range to delete must lie within the items.
-void da_index(const char *op, const DA_array *a, int32_t index);
+inline void da_index(const char *op, const DA_array *a, int32_t index) {
+    da(op, a);
+    if (index < 0) index_negative(op, a, index);
+}
 void da_range(const char *op, const DA_array *a, int32_t index, int32_t count);
-void hsh(const char *op, const HSH_table *t);
+void hsh_slow(const char *op, const HSH_table *t);
+inline void hsh(const char *op, const HSH_table *t) {
+    if (!known_live(t, Kind::HSH) || t->count < 0 || t->count > t->high_limit || full_check_due())
+        hsh_slow(op, t);
+}
 void hsh_around(const char *op, const HSH_table *t, const void *key);
 
 }  // namespace vorn::checked

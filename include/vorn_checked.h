@@ -7,7 +7,7 @@
  * own invariants where that is cheap.  A full check of the container at
  * hand runs inside the operations that walk it whole anyway (GL_check,
  * SL_check, the *_make_empty of lists, GT_count_items), and otherwise once
- * VORN_CHECKED_PERIOD checked operations have passed since the last full
+ * VORN_CHECKED_PERIOD checked operations of the thread have passed since its last full
  * check and at least 8 per item that one visited, so that its cost stays a
  * constant share of each operation.
  *
