@@ -3,13 +3,17 @@
  *
  * A library configured with -DVORN_CHECKED=ON exports the same functions
  * with the same records.  Before its work each operation checks what its
- * header leaves to the caller, and after a change it checks the container's
- * own invariants where that is cheap.  A full check of the container at
- * hand runs inside the operations that walk it whole anyway (GL_check,
- * SL_check, the *_make_empty of lists, GT_count_items), and otherwise once
- * VORN_CHECKED_PERIOD checked operations of the thread have passed since its last full
- * check and at least 8 per item that one visited, so that its cost stays a
- * constant share of each operation.
+ * header leaves to the caller.  The containers' own invariants are checked
+ * where that is cheap: the head of a list (count against first and last,
+ * the ends' outer links) on entry to every list operation, the links around
+ * every position given; the chain order and the balances along the path
+ * after a GT insertion, the root and ends after a GT removal; the probe run
+ * around an HSH slot after a change; DA counts within capacity.  A full
+ * check of the container at hand runs inside the operations that walk it
+ * whole anyway (GL_check, SL_check, the lists' *_make_empty, GT_count_items)
+ * and otherwise once VORN_CHECKED_PERIOD checked operations of the thread
+ * have passed since its last full check, and at least 8 per item that one
+ * visited, so that its cost stays a constant share of each operation.
  *
  * A problem caught prints one line through Tprintf,
  *   "vorn_container: OPERATION: what is wrong"
@@ -21,24 +25,29 @@
  *
  * What is tracked, in side tables of the library (the public records keep
  * their layouts): the live handles of GL, EL, SL, GT, DA, HSH, vorn_lu and
- * io_lut and the GT walks; the list that holds each GL and EL node and each linked SL
- * record.  A splice merges the two lists' sets in constant time; the end part
- * cut off by EL_remove_and_get_end_part is moved item by item.  The tables
- * take one process-wide lock, so containers of different threads stay apart.
+ * io_lut and the GT walks; the list that holds each GL and EL node and each
+ * linked SL record.  A splice merges the two lists' sets in constant time;
+ * the end part cut off by EL_remove_and_get_end_part is moved item by item.
+ * The tables take one process-wide lock, so containers of different threads
+ * stay apart; they hold about one word per 16 bytes of memory that ever
+ * held a node, and they stay until the process ends.
  *
  * The inline forms of the headers (DA_get_item, HSH_get_value,
  * HSH_contains_key, the GL and EL walk steps) are off in a host compiled
- * with VORN_CHECKED defined, so that it calls the checked exports; the
- * installed package of a checked build defines it for its consumers.
+ * with VORN_CHECKED defined, so that it calls the checked exports (their
+ * *_inline names stay and call the exports too); the installed package of a
+ * checked build defines VORN_CHECKED for its consumers.
  *
- * Not covered yet: GB, ES and DBLL (checked through the EL operations they
- * call), SA, CLUT and the dictionaries run unchecked beyond what the
- * operations they call check; vorn_lu and io_lut check their handles.
+ * Not covered yet: GB, SA, CLUT and the dictionaries run unchecked beyond
+ * what the operations they call check; ES and DBLL are checked by the EL
+ * operations they call (which the message names); vorn_lu and io_lut check
+ * their handles only.
  */
 #ifndef VORN_CHECKED_H
 #define VORN_CHECKED_H
 
-/* The fewest checked operations between two full checks. */
+/* The fewest checked operations between two full checks; fixed when the
+ * library is built. */
 #ifndef VORN_CHECKED_PERIOD
 #define VORN_CHECKED_PERIOD 4096
 #endif
