@@ -28,10 +28,11 @@ namespace vorn::checked {
 
 enum class Kind : uint8_t { GL = 1, EL, SL, GT, GT_walk, DA, HSH, LU, IO_LUT };
 
-// The per-thread state read on every call; the initial-exec model reads it
-// without a call into the dynamic loader.
+// The per-thread state read on every call: plain data, so __thread needs
+// no initialisation wrapper, and the initial-exec model reads it without a
+// call into the dynamic loader.
 #if defined(__GNUC__)
-#define VORN_CHK_TLS thread_local __attribute__((tls_model("initial-exec")))
+#define VORN_CHK_TLS __thread __attribute__((tls_model("initial-exec")))
 #else
 #define VORN_CHK_TLS thread_local
 #endif
