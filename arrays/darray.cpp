@@ -13,6 +13,7 @@
 #include <type_traits>
 
 #include "base_binding.hpp"
+#include "checked.hpp"
 
 static_assert(std::is_standard_layout_v<DA_array> && std::is_trivially_copyable_v<DA_array>);
 static_assert(offsetof(DA_array, item_size) == 0 && offsetof(DA_array, increment) == 4);
@@ -69,6 +70,7 @@ DA_array *new_array(int32_t item_size, int32_t increment, const vorn::RaiseSite 
     DA_array *a = vorn::alloc_record<DA_array>();
     if (!a) vorn::raise(no_memory);
     *a = DA_array{item_size, increment, 0, 0, nullptr};
+    VORN_CHK(born(a));
     return a;
 }
 
@@ -134,46 +136,70 @@ DA_array *DA_create(int32_t item_size, int32_t increment) {
 
 void DA_release(DA_array *array) {
     if (!array) return;
+    VORN_CHK(dies(__func__, array));
     free_block(array);
     vorn::free_record(array);
 }
 
-void DA_clear(DA_array *array) { free_block(array); }
+void DA_clear(DA_array *array) {
+    VORN_CHK(da(__func__, array));
+    free_block(array);
+}
 
-void DA_reset(DA_array *array) { array->nitems = 0; }
+void DA_reset(DA_array *array) {
+    VORN_CHK(da(__func__, array));
+    array->nitems = 0;
+}
 
 void DA_truncate(DA_array *array, int32_t count) {
+    VORN_CHK(da_index(__func__, array, count));
     if (count < array->nitems) array->nitems = count;
 }
 
 void DA_setsize(DA_array *array, int32_t count) {
+    VORN_CHK(da_index(__func__, array, count));
     extend(array, count);
     array->nitems = count;
 }
 
-void DA_extend(DA_array *array, int32_t count) { extend(array, count); }
+void DA_extend(DA_array *array, int32_t count) {
+    VORN_CHK(da(__func__, array));
+    extend(array, count);
+}
 
-int32_t DA_nitems(DA_array *array) { return array->nitems; }
+int32_t DA_nitems(DA_array *array) {
+    VORN_CHK(da(__func__, array));
+    return array->nitems;
+}
 
-int32_t DA_nalloc(DA_array *array) { return array->nalloc; }
+int32_t DA_nalloc(DA_array *array) {
+    VORN_CHK(da(__func__, array));
+    return array->nalloc;
+}
 
 int32_t DA_memsize(DA_array *array) {
+    if (array) VORN_CHK(da(__func__, array));
     return array ? static_cast<int32_t>(bytes_of(array->nalloc, array->item_size)) : 0;
 }
 
 int32_t DA_check(DA_array *array) {
+    VORN_CHK(da(__func__, array));
     std::size_t held = sizeof(DA_array);
     if (array->data) held += bytes_of(array->nalloc, array->item_size);
     return static_cast<int32_t>(held);
 }
 
-void *DA_data(DA_array *array) { return array->data; }
+void *DA_data(DA_array *array) {
+    VORN_CHK(da(__func__, array));
+    return array->data;
+}
 
 // ---- items ------------------------------------------------------------------
 
 // The per-item path: one capacity test and the copy, in a function that
 // needs no frame; everything else is in append_general.
 void DA_append(DA_array *array, const void *items, int32_t count) {
+    VORN_CHK(da(__func__, array));
     const int32_t n = array->nitems;
     if (count == 1 && n < array->nalloc) [[likely]] {
         array->nitems = n + 1;
@@ -184,6 +210,7 @@ void DA_append(DA_array *array, const void *items, int32_t count) {
 }
 
 void DA_insert(DA_array *array, int32_t index, const void *items, int32_t count) {
+    VORN_CHK(da_index(__func__, array, index));
     const int32_t n = array->nitems;
     const int32_t size = array->item_size;
     if (index < n) {
@@ -202,6 +229,7 @@ void DA_insert(DA_array *array, int32_t index, const void *items, int32_t count)
 }
 
 void DA_delete(DA_array *array, int32_t index, int32_t count) {
+    VORN_CHK(da_range(__func__, array, index, count));
     if (count <= 0) return;
     const int32_t behind = array->nitems - index - count;
     if (behind > 0)
@@ -211,12 +239,14 @@ void DA_delete(DA_array *array, int32_t index, int32_t count) {
 }
 
 void DA_put_item(DA_array *array, int32_t index, const void *item) {
+    VORN_CHK(da_index(__func__, array, index));
     if (index >= array->nalloc) [[unlikely]]
         return put_grown(array, index, item);
     store_at(array, index, item);
 }
 
 void *DA_get_item(DA_array *array, int32_t index) {
+    VORN_CHK(da_index(__func__, array, index));
     if (index >= array->nalloc) [[unlikely]]
         return get_grown(array, index);
     if (index >= array->nitems) array->nitems = index + 1;
@@ -224,6 +254,7 @@ void *DA_get_item(DA_array *array, int32_t index) {
 }
 
 char *DA_string(DA_array *array) {
+    VORN_CHK(da(__func__, array));
     const int32_t n = array->nitems;
     if (n >= array->nalloc) [[unlikely]]
         extend(array, n + 1);
@@ -235,10 +266,12 @@ char *DA_string(DA_array *array) {
 // ---- whole arrays -----------------------------------------------------------
 
 DA_array *DA_copy(DA_array *array) {
+    VORN_CHK(da(__func__, array));
     DA_array *copy = new_array(array->item_size, array->increment, vorn::raises::DA_RAISE_COPY_NO_MEMORY);
     // A block that cannot be had takes the new record with it, so that the
     // raise leaves nothing allocated.
     if (array->nitems > 0 && !grow(copy, array->nitems)) {
+        VORN_CHK(forget(copy));
         vorn::free_record(copy);
         vorn::raise(vorn::raises::DA_RAISE_EXTEND_NO_MEMORY);
     }
@@ -247,6 +280,8 @@ DA_array *DA_copy(DA_array *array) {
 }
 
 void DA_copy_into(DA_array *destination, DA_array *source) {
+    VORN_CHK(da(__func__, destination));
+    VORN_CHK(da(__func__, source));
     if (destination->item_size != source->item_size)
         vorn::raise(vorn::raises::DA_RAISE_COPY_INTO_SIZES_DIFFER);
     free_block(destination);
@@ -254,12 +289,15 @@ void DA_copy_into(DA_array *destination, DA_array *source) {
 }
 
 int32_t DA_equal(DA_array *a, DA_array *b) {
+    VORN_CHK(da(__func__, a));
+    VORN_CHK(da(__func__, b));
     if (a->item_size != b->item_size || a->nitems != b->nitems) return 0;
     if (a->nitems <= 0) return 1;
     return std::memcmp(a->data, b->data, bytes_of(a->nitems, a->item_size)) == 0 ? 1 : 0;
 }
 
 void DA_reverse(DA_array *array) {
+    VORN_CHK(da(__func__, array));
     const int32_t n = array->nitems;
     const std::size_t size = static_cast<std::size_t>(array->item_size);
     void *temp = MM_alloc_item(size);  // one item's worth, on every call
@@ -276,6 +314,7 @@ void DA_reverse(DA_array *array) {
 // The smaller part goes through the temporary, which so never exceeds half
 // the array; the larger part moves in place.
 void DA_roll(DA_array *array, int32_t shift) {
+    VORN_CHK(da(__func__, array));
     const int32_t n = array->nitems;
     if (n <= 1) return;
     // r items go from the end to the front: the remainder of -shift by n.
@@ -300,13 +339,18 @@ void DA_roll(DA_array *array, int32_t shift) {
 
 // ---- walking ----------------------------------------------------------------
 
-DA_iter DA_all_items(DA_array *array) { return DA_iter{array, 1, 0, array->nitems - 1, nullptr}; }
+DA_iter DA_all_items(DA_array *array) {
+    VORN_CHK(da(__func__, array));
+    return DA_iter{array, 1, 0, array->nitems - 1, nullptr};
+}
 
 DA_iter DA_tested_items(DA_array *array, DA_test_fn test) {
+    VORN_CHK(da(__func__, array));
     return DA_iter{array, 1, 0, array->nitems - 1, test};
 }
 
 int32_t DA_next(DA_iter *iterator, void **item) {
+    VORN_CHK(da(__func__, iterator->array));
     *item = nullptr;
     DA_iter &it = *iterator;
     const int64_t n = it.array->nitems;  // read once for the call

@@ -24,6 +24,8 @@
 #include <cstdint>
 #include <utility>
 
+#include "checked.hpp"
+
 namespace vorn::frame {
 
 // The two leading words of an intrusive record.  may_alias: the caller's
@@ -71,6 +73,7 @@ inline void link_into_empty(H *h, N *n) {
     h->first = n;
     h->last = n;
     h->count = 1;
+    VORN_CHK(on_link(h, n));
 }
 
 // n becomes last; on a ring first->prev follows.
@@ -86,6 +89,7 @@ inline void link_after_last(H *h, N *n) {
     if (ring) first->prev = n;
     h->last = n;
     ++h->count;
+    VORN_CHK(on_link(h, n));
 }
 
 // n becomes first; on a ring last->next follows.
@@ -101,6 +105,7 @@ inline void link_before_first(H *h, N *n) {
     if (ring) last->next = n;
     h->first = n;
     ++h->count;
+    VORN_CHK(on_link(h, n));
 }
 
 // n follows pos; at last this is link_after_last.
@@ -112,6 +117,7 @@ inline void link_after(H *h, N *pos, N *n) {
     pos->next->prev = n;
     pos->next = n;
     ++h->count;
+    VORN_CHK(on_link(h, n));
 }
 
 // n precedes pos; at first this is link_before_first.
@@ -123,6 +129,7 @@ inline void link_before(H *h, N *pos, N *n) {
     pos->prev->next = n;
     pos->prev = n;
     ++h->count;
+    VORN_CHK(on_link(h, n));
 }
 
 // Unlinks pos, keeping a ring whole.  The links of pos are left as they were
@@ -146,6 +153,7 @@ inline void unlink(H *h, N *pos) {
         h->first = nullptr;
         h->last = nullptr;
     }
+    VORN_CHK(on_unlink(h, pos, h->count));
 }
 
 // ---- rings -------------------------------------------------------------------
@@ -204,9 +212,11 @@ inline void drain(H *h, const Dispose &dispose, const BeforeNext &before_next = 
     for (N *n = first_of<N>(h); n;) {
         before_next(n);
         N *after = n->next;
+        VORN_CHK(on_drain(h, n));
         dispose(n);
         n = after;
     }
+    VORN_CHK(on_drain(h, nullptr));
     h->first = nullptr;
     h->last = nullptr;
     h->count = 0;
@@ -254,6 +264,7 @@ template <class N, class H>
 inline N *splice_behind(H *h, H *second) {
     N *moved = first_of<N>(second);
     if (!moved) return nullptr;
+    VORN_CHK(on_splice(h, second));
     if (!first_of<N>(h)) {
         h->first = second->first;
         h->last = second->last;
@@ -273,6 +284,7 @@ template <class N, class H>
 inline void splice_in_front(H *h, H *second) {
     N *moved_last = last_of<N>(second);
     if (!moved_last) return;
+    VORN_CHK(on_splice(h, second));
     if (!first_of<N>(h)) {
         h->first = second->first;
         h->last = second->last;

@@ -203,13 +203,18 @@ VORN_API int32_t DA_next(DA_iter *iterator, void **item);
  * address without a call, and any other index goes to the library, with the
  * same result as the exported call.  Define VORN_NO_INLINE_WALKS to call the
  * library always. */
-#if !defined(VORN_NO_INLINE_WALKS) && !defined(VORN_CONTAINER_BUILD)
+#if !defined(VORN_NO_INLINE_WALKS) && !defined(VORN_CHECKED) && !defined(VORN_CONTAINER_BUILD)
 static inline void *DA_get_item_inline(DA_array *array, int32_t index) {
     if (index >= 0 && index < array->nitems)
         return (char *)array->data + (size_t)index * (size_t)array->item_size;
     return DA_get_item(array, index);
 }
 #define DA_get_item(array, index) DA_get_item_inline((array), (index))
+#elif defined(VORN_CHECKED) && !defined(VORN_CONTAINER_BUILD)
+/* The checked build keeps the inline name, calling the checked export. */
+static inline void *DA_get_item_inline(DA_array *array, int32_t index) {
+    return DA_get_item(array, index);
+}
 #endif
 
 /** @} */

@@ -239,7 +239,7 @@ VORN_API int32_t EL_next_item_copy(EL_iter *iter, void *buffer);
  * then stay in registers.  It behaves exactly as the exported EL_next_item
  * (whose address stays available); define VORN_NO_INLINE_WALKS to call the
  * library instead. */
-#if !defined(VORN_NO_INLINE_WALKS) && !defined(VORN_CONTAINER_BUILD)
+#if !defined(VORN_NO_INLINE_WALKS) && !defined(VORN_CHECKED) && !defined(VORN_CONTAINER_BUILD)
 static inline int32_t EL_next_item_inline(EL_iter *iter, void **item_out) {
     for (;;) {
         EL_node *n = iter->next;
@@ -251,6 +251,11 @@ static inline int32_t EL_next_item_inline(EL_iter *iter, void **item_out) {
     }
 }
 #define EL_next_item(iter, item_out) EL_next_item_inline((iter), (item_out))
+#elif defined(VORN_CHECKED) && !defined(VORN_CONTAINER_BUILD)
+/* The checked build keeps the inline name, calling the checked export. */
+static inline int32_t EL_next_item_inline(EL_iter *iter, void **item_out) {
+    return EL_next_item(iter, item_out);
+}
 #endif
 
 /** @} */

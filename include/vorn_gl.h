@@ -162,7 +162,7 @@ VORN_API int32_t GL_next_position(GL_iter *iter, GL_node **pos_out);
  * walk's record can then stay in registers.  It behaves exactly as the
  * exported GL_next_item (whose address stays available); define
  * VORN_NO_INLINE_WALKS to call the library instead. */
-#if !defined(VORN_NO_INLINE_WALKS) && !defined(VORN_CONTAINER_BUILD)
+#if !defined(VORN_NO_INLINE_WALKS) && !defined(VORN_CHECKED) && !defined(VORN_CONTAINER_BUILD)
 static inline int32_t GL_next_item_inline(GL_iter *iter, void **item_out) {
     for (;;) {
         GL_node *n = iter->next;
@@ -174,6 +174,11 @@ static inline int32_t GL_next_item_inline(GL_iter *iter, void **item_out) {
     }
 }
 #define GL_next_item(iter, item_out) GL_next_item_inline((iter), (item_out))
+#elif defined(VORN_CHECKED) && !defined(VORN_CONTAINER_BUILD)
+/* The checked build keeps the inline name, calling the checked export. */
+static inline int32_t GL_next_item_inline(GL_iter *iter, void **item_out) {
+    return GL_next_item(iter, item_out);
+}
 #endif
 
 /** @} */

@@ -110,7 +110,7 @@ VORN_API void HSH_release(HSH_table **handle);
  * inline: the same probe as the exported HSH_get_value and
  * HSH_contains_key, with the same results, without a call.  Define
  * VORN_NO_INLINE_WALKS to call the library instead. */
-#if !defined(VORN_NO_INLINE_WALKS) && !defined(VORN_CONTAINER_BUILD)
+#if !defined(VORN_NO_INLINE_WALKS) && !defined(VORN_CHECKED) && !defined(VORN_CONTAINER_BUILD)
 static inline int32_t HSH_slot_of_inline(const HSH_table *table, const void *key) {
     void *const *keys = table->keys;
     const uint32_t mask = table->mask;
@@ -128,6 +128,14 @@ static inline int32_t HSH_contains_key_inline(HSH_table *table, void *key) {
 }
 #define HSH_get_value(table, key) HSH_get_value_inline((table), (key))
 #define HSH_contains_key(table, key) HSH_contains_key_inline((table), (key))
+#elif defined(VORN_CHECKED) && !defined(VORN_CONTAINER_BUILD)
+/* The checked build keeps the inline name, calling the checked export. */
+static inline void *HSH_get_value_inline(HSH_table *table, void *key) {
+    return HSH_get_value(table, key);
+}
+static inline int32_t HSH_contains_key_inline(HSH_table *table, void *key) {
+    return HSH_contains_key(table, key);
+}
 #endif
 
 /** @} */

@@ -10,6 +10,7 @@
 #include <type_traits>
 
 #include "base_binding.hpp"
+#include "checked.hpp"
 
 static_assert(std::is_standard_layout_v<HSH_table> && std::is_trivially_copyable_v<HSH_table>);
 static_assert(offsetof(HSH_table, min_size) == 0 && offsetof(HSH_table, mask) == 20);
@@ -171,10 +172,12 @@ HSH_table *HSH_create(uint32_t min_size, int32_t shift) {
     t->min_size = size_for(min_size, 0, 0);
     t->wanted_shift = shift;
     prepare(t, t->min_size);
+    VORN_CHK(born(t));
     return t;
 }
 
 void *HSH_set_value(HSH_table *t, void *key, void *value) {
+    VORN_CHK(hsh(__func__, t));
     if (!key) return nullptr;
     void **keys = t->keys;
     const uint32_t mask = t->mask;
@@ -193,10 +196,12 @@ void *HSH_set_value(HSH_table *t, void *key, void *value) {
     ++t->count;
     t->keys[i] = key;
     t->values[i] = value;  // read after a possible resize
+    VORN_CHK(hsh_around(__func__, t, key));
     return value;
 }
 
 void *HSH_get_value(HSH_table *t, void *key) {
+    VORN_CHK(hsh(__func__, t));
     void *const *keys = t->keys;
     const uint32_t mask = t->mask;
     for (Slot i = home_of(t, key); keys[i]; i = (i + 1) & mask)
@@ -204,9 +209,13 @@ void *HSH_get_value(HSH_table *t, void *key) {
     return nullptr;
 }
 
-int32_t HSH_contains_key(HSH_table *t, void *key) { return find_slot(t, key) >= 0; }
+int32_t HSH_contains_key(HSH_table *t, void *key) {
+    VORN_CHK(hsh(__func__, t));
+    return find_slot(t, key) >= 0;
+}
 
 void HSH_remove_entry(HSH_table *t, void *key) {
+    VORN_CHK(hsh(__func__, t));
     const int32_t h = find_slot(t, key);
     if (h < 0) return;
     t->keys[h] = nullptr;  // the value word stays behind, without meaning
@@ -216,9 +225,11 @@ void HSH_remove_entry(HSH_table *t, void *key) {
         return;
     }
     repair(t, static_cast<Slot>(h));
+    VORN_CHK(hsh_around(__func__, t, key));
 }
 
 HSH_iter HSH_all_entries(HSH_table *t) {
+    VORN_CHK(hsh(__func__, t));
     HSH_iter it;
     it.table = t;
     it.index = t->count ? 0 : t->size;
@@ -226,6 +237,7 @@ HSH_iter HSH_all_entries(HSH_table *t) {
 }
 
 int32_t HSH_next(HSH_iter *it, void **key, void **value) {
+    VORN_CHK(hsh(__func__, it->table));
     const HSH_table *t = it->table;
     if (it->index < 0) it->index = 0;  // a record filled by hand: never read before the array
     for (; it->index < t->size; ++it->index) {
@@ -242,6 +254,7 @@ int32_t HSH_next(HSH_iter *it, void **key, void **value) {
 void HSH_release(HSH_table **handle) {
     if (!handle || !*handle) return;
     HSH_table *t = *handle;
+    VORN_CHK(dies(__func__, t));
     free_words(t->keys, t->size);
     free_words(t->values, t->size);
     vorn::free_record(t);

@@ -9,6 +9,7 @@
 #include <type_traits>
 
 #include "base_binding.hpp"
+#include "checked.hpp"
 
 static_assert(std::is_standard_layout_v<io_lut_table> && std::is_trivially_copyable_v<io_lut_table>);
 static_assert(offsetof(io_lut_table, pointers) == sizeof(void *));
@@ -22,6 +23,7 @@ constexpr int32_t kWriteShift = 5;  // leaves the low five bits of a pointer out
 
 io_lut_table *new_table() {
     io_lut_table *t = vorn::alloc_record<io_lut_table>();
+    VORN_CHK(born(t));
     *t = io_lut_table{};
     return t;
 }
@@ -75,6 +77,7 @@ io_lut_table *io_lut_create_write(void) {
 }
 
 int32_t io_lut_add(io_lut_table *t, void *pointer) {
+    VORN_CHK(live(__func__, t));
     if (t->pointers) {
         DA_append(t->pointers, &pointer, 1);
         return DA_nitems(t->pointers) - 1;
@@ -85,6 +88,7 @@ int32_t io_lut_add(io_lut_table *t, void *pointer) {
 }
 
 void io_lut_set(io_lut_table *t, void *pointer, int32_t id) {
+    VORN_CHK(live(__func__, t));
     if (t->pointers) {
         if (id < 0) return;
         if (!t->overwrite && id < t->pointers->nitems && slots(t)[id] != pointer)
@@ -99,6 +103,7 @@ void io_lut_set(io_lut_table *t, void *pointer, int32_t id) {
 }
 
 void io_lut_remove(io_lut_table *t, void *pointer) {
+    VORN_CHK(live(__func__, t));
     if (t->pointers) {
         if (const int32_t id = scan(t, pointer)) slots(t)[id] = nullptr;
         return;
@@ -107,11 +112,13 @@ void io_lut_remove(io_lut_table *t, void *pointer) {
 }
 
 int32_t io_lut_look_id(io_lut_table *t, void *pointer) {
+    VORN_CHK(live(__func__, t));
     if (t->pointers) return scan(t, pointer);
     return pointer ? hashed_id(t, pointer) : 0;
 }
 
 int32_t io_lut_get_id(io_lut_table *t, void *pointer) {
+    VORN_CHK(live(__func__, t));
     if (t->pointers) {
         const int32_t id = scan(t, pointer);
         if (!id) vorn::raise(vorn::raises::IO_LUT_RAISE_READ_NO_ID);
@@ -123,15 +130,20 @@ int32_t io_lut_get_id(io_lut_table *t, void *pointer) {
     return id;
 }
 
-void *io_lut_look_ptr(io_lut_table *t, int32_t id) { return slot_pointer(t, id); }
+void *io_lut_look_ptr(io_lut_table *t, int32_t id) {
+    VORN_CHK(live(__func__, t));
+    return slot_pointer(t, id);
+}
 
 void *io_lut_get_ptr(io_lut_table *t, int32_t id) {
+    VORN_CHK(live(__func__, t));
     void *p = slot_pointer(t, id);
     if (!p) vorn::raise(vorn::raises::IO_LUT_RAISE_NO_POINTER);
     return p;
 }
 
 io_lut_iter io_lut_all_items(io_lut_table *t) {
+    VORN_CHK(live(__func__, t));
     io_lut_iter it{nullptr, 0, 1};
     if (t->pointers) {
         it.items = slots(t);
@@ -149,6 +161,7 @@ void *io_lut_next_item(io_lut_iter *it) {
 void io_lut_release(io_lut_table **handle) {
     if (!handle || !*handle) return;
     io_lut_table *t = *handle;
+    VORN_CHK(dies(__func__, t));
     if (t->pointers) DA_release(t->pointers);
     if (t->identifiers) HSH_release(&t->identifiers);
     *handle = nullptr;

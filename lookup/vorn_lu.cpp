@@ -7,6 +7,7 @@
 #include <type_traits>
 
 #include "base_binding.hpp"
+#include "checked.hpp"
 
 static_assert(std::is_standard_layout_v<vorn_lu> && std::is_trivially_copyable_v<vorn_lu>);
 static_assert(offsetof(vorn_lu, last_value) == sizeof(void *));
@@ -35,10 +36,12 @@ vorn_lu *vorn_lu_create(void) {
     lu->last_key = nullptr;
     lu->last_value = nullptr;
     lu->table = HSH_create(0, 0);
+    VORN_CHK(born(lu));
     return lu;
 }
 
 void vorn_lu_add(vorn_lu *lu, void *key, void *value) {
+    if (lu) VORN_CHK(live(__func__, lu));
     if (!lu) return;
     if (lu->last_key) HSH_set_value(lu->table, lu->last_key, lu->last_value);
     lu->last_key = key;
@@ -46,12 +49,14 @@ void vorn_lu_add(vorn_lu *lu, void *key, void *value) {
 }
 
 void *vorn_lu_get(vorn_lu *lu, void *key) {
+    if (lu) VORN_CHK(live(__func__, lu));
     if (!lu) return nullptr;
     if (lu->last_key == key) return lu->last_value;
     return HSH_get_value(lu->table, key);
 }
 
 void *vorn_lu_find(vorn_lu *lu, void *value) {
+    if (lu) VORN_CHK(live(__func__, lu));
     if (!lu) return nullptr;
     if (lu->last_value && lu->last_value == value) return lu->last_key;
     void *found = nullptr;
@@ -64,6 +69,7 @@ void *vorn_lu_find(vorn_lu *lu, void *value) {
 }
 
 void vorn_lu_remove(vorn_lu *lu, void *key) {
+    if (lu) VORN_CHK(live(__func__, lu));
     if (!lu) return;
     if (lu->last_key == key) {
         lu->last_key = nullptr;
@@ -74,6 +80,7 @@ void vorn_lu_remove(vorn_lu *lu, void *key) {
 }
 
 void vorn_lu_apply(vorn_lu *lu, vorn_lu_apply_fn apply) {
+    if (lu) VORN_CHK(live(__func__, lu));
     if (!lu || !apply) return;
     if (lu->last_value) apply(lu->last_value);
     each_entry(lu->table, [apply](void *, void *v) {
@@ -85,6 +92,7 @@ void vorn_lu_apply(vorn_lu *lu, vorn_lu_apply_fn apply) {
 void vorn_lu_release(vorn_lu **handle, vorn_lu_release_fn release) {
     if (!handle || !*handle) return;
     vorn_lu *lu = *handle;
+    VORN_CHK(dies(__func__, lu));
     if (release) {
         if (lu->last_value) release(&lu->last_value);
         each_entry(lu->table, [release](void *, void *v) {

@@ -13,6 +13,7 @@
 #include <cstddef>
 #include <type_traits>
 
+#include "checked.hpp"
 #include "gentree_state.hpp"
 
 static_assert(std::is_standard_layout_v<GT_node> && std::is_trivially_copyable_v<GT_node>);
@@ -376,6 +377,7 @@ GT_tree *create(GT_compare_fn compare, int32_t dupl_allowed) {
     t->compare = compare;
     t->dupl_allowed = dupl_allowed;
     t->iterators = GL_create();
+    VORN_CHK(born(t));
     return t;
 }
 
@@ -391,6 +393,7 @@ GT_tree *GT_create_with_dupl_allowed(GT_compare_fn compare) { return create(comp
 GT_tree *GT_create_with_dupl_not_allowed(GT_compare_fn compare) { return create(compare, 0); }
 
 GT_node *GT_insert_item(GT_tree *tree, void *item) {
+    VORN_CHK(gt_live(__func__, tree));
     if (!tree) return nullptr;
     gt_item = item;
     gt_compare = tree->compare;
@@ -400,10 +403,13 @@ GT_node *GT_insert_item(GT_tree *tree, void *item) {
     gt_left_neighbour = nullptr;
     gt_right_neighbour = nullptr;
     insert_below(&tree->root);
+    VORN_CHK(gt_inserted(__func__, tree, gt_position));
+    VORN_CHK(gt(__func__, tree));
     return gt_position;
 }
 
 int32_t GT_find_item(GT_tree *tree, void *item, GT_node **pos_out) {
+    VORN_CHK(gt_live(__func__, tree));
     gt_found = 0;
     gt_position = nullptr;
     if (tree) {
@@ -415,6 +421,7 @@ int32_t GT_find_item(GT_tree *tree, void *item, GT_node **pos_out) {
 }
 
 int32_t GT_search_item(GT_tree *tree, void *item, GT_node **pos_out) {
+    VORN_CHK(gt_live(__func__, tree));
     gt_found = 0;
     gt_position = nullptr;
     if (tree) {
@@ -435,23 +442,29 @@ int32_t GT_search_item(GT_tree *tree, void *item, GT_node **pos_out) {
 }
 
 void GT_remove_item(GT_tree *tree, GT_node *pos) {
+    VORN_CHK(gt_live(__func__, tree));
     if (!tree || !pos) fail(raises::GT_RAISE_REMOVE_MISSED);
     gt_tree = tree;
     gt_compare = tree->compare;
     if (!remove_steered(pos)) fail(raises::GT_RAISE_REMOVE_MISSED);
+    VORN_CHK(gt(__func__, tree));
 }
 
 void GT_remove_item_global(GT_tree *tree, GT_node *pos) {
+    VORN_CHK(gt_live(__func__, tree));
     if (!tree || !pos) fail(raises::GT_RAISE_GLOBAL_MISSED);
     gt_tree = tree;
     gt_compare = tree->compare;
-    if (remove_steered(pos)) return;
-    gt_by_compare = 0;  // the walk missed: visit the whole tree
-    remove_below(&tree->root);
-    if (!gt_found) fail(raises::GT_RAISE_GLOBAL_MISSED);
+    if (!remove_steered(pos)) {
+        gt_by_compare = 0;  // the walk missed: visit the whole tree
+        remove_below(&tree->root);
+        if (!gt_found) fail(raises::GT_RAISE_GLOBAL_MISSED);
+    }
+    VORN_CHK(gt(__func__, tree));
 }
 
 void GT_find_and_remove_item(GT_tree *tree, void *item) {
+    VORN_CHK(gt_live(__func__, tree));
     if (!tree) fail(raises::GT_RAISE_FIND_AND_REMOVE_NO_ITEM);
     gt_found = 0;
     gt_compare = tree->compare;
@@ -460,15 +473,18 @@ void GT_find_and_remove_item(GT_tree *tree, void *item) {
     if (!gt_found) fail(raises::GT_RAISE_FIND_AND_REMOVE_NO_ITEM);
     gt_tree = tree;
     if (!remove_steered(gt_position)) fail(raises::GT_RAISE_FIND_AND_REMOVE_MISSED);
+    VORN_CHK(gt(__func__, tree));
 }
 
 void GT_remove_first_item(GT_tree *tree) {
+    VORN_CHK(gt_live(__func__, tree));
     if (!tree) fail(raises::GT_RAISE_REMOVE_FIRST_EMPTY);
     gt_tree = tree;
     gt_found = 0;
     gt_shrunk = 0;
     gt_position = tree->first;
     remove_first_below(&tree->root);
+    VORN_CHK(gt(__func__, tree));
 }
 
 }  // extern "C"

@@ -9,6 +9,7 @@
 // into a removed node's place leave every chain link as it was, so they need
 // no correction at all.
 
+#include "checked.hpp"
 #include "gentree_state.hpp"
 
 using namespace vorn::gt;
@@ -24,6 +25,7 @@ GT_iter *open_walk(GT_tree *tree, GT_node *start, int32_t kind, GT_test_fn test)
     it->test = test;
     it->kind = kind;
     if (tree) GL_append_after_last(tree->iterators, it);  // an orphaned source gives an orphan
+    VORN_CHK(born(it));
     return it;
 }
 
@@ -35,6 +37,7 @@ void end_walk(GT_iter *it, const vorn::RaiseSite &unregistered) {
         GL_remove_item(tree->iterators, entry);
     }
     --gt_allocated_tree_iters;
+    VORN_CHK(forget(it));
     vorn::free_record(it);
 }
 
@@ -87,38 +90,49 @@ void iters_before_remove_walk(GT_node *n) {
 
 extern "C" {
 
-GT_iter *GT_all_items(GT_tree *tree) { return open_walk(tree, tree->first, 0, nullptr); }
+GT_iter *GT_all_items(GT_tree *tree) {
+    VORN_CHK(gt_live(__func__, tree));
+    return open_walk(tree, tree->first, 0, nullptr);
+}
 
 GT_iter *GT_all_items_conditional(GT_tree *tree, GT_test_fn test) {
+    VORN_CHK(gt_live(__func__, tree));
     return open_walk(tree, tree->first, 1, test);
 }
 
 GT_iter *GT_all_items_while_conditioned(GT_tree *tree, GT_test_fn test) {
+    VORN_CHK(gt_live(__func__, tree));
     return open_walk(tree, tree->first, 2, test);
 }
 
 // A kind-0 copy carries the source's test along; nothing reads it.
 GT_iter *GT_from_current(GT_iter *source) {
+    VORN_CHK(gt_walk(__func__, source));
     return open_walk(source->tree, source->current, 0, source->test);
 }
 
 GT_iter *GT_from_current_conditional(GT_iter *source, GT_test_fn test) {
+    VORN_CHK(gt_walk(__func__, source));
     return open_walk(source->tree, source->current, 1, test);
 }
 
 GT_iter *GT_from_current_while_conditioned(GT_iter *source, GT_test_fn test) {
+    VORN_CHK(gt_walk(__func__, source));
     return open_walk(source->tree, source->current, 2, test);
 }
 
 GT_iter *GT_from_next(GT_iter *source) {
+    VORN_CHK(gt_walk(__func__, source));
     return open_walk(source->tree, source->next, 0, source->test);
 }
 
 GT_iter *GT_from_next_conditional(GT_iter *source, GT_test_fn test) {
+    VORN_CHK(gt_walk(__func__, source));
     return open_walk(source->tree, source->next, 1, test);
 }
 
 GT_iter *GT_from_next_while_conditioned(GT_iter *source, GT_test_fn test) {
+    VORN_CHK(gt_walk(__func__, source));
     return open_walk(source->tree, source->next, 2, test);
 }
 
@@ -131,6 +145,7 @@ int32_t GT_next_position(GT_iter *iter, GT_node **pos_out) {
 }
 
 int32_t GT_current_item(GT_iter *iter, void **item_out) {
+    VORN_CHK(gt_walk(__func__, iter));
     void *item = iter->current ? iter->current->item : nullptr;
     *item_out = item;
     return item != nullptr;

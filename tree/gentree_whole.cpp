@@ -2,6 +2,7 @@
 // items), sorting after keys changed, counting, the printout and the leak
 // report.
 
+#include "checked.hpp"
 #include "gentree_state.hpp"
 
 using namespace vorn::gt;
@@ -33,9 +34,10 @@ void empty(GT_tree *tree, bool with_items) {
 
 // Iterators still open are orphaned: they keep their record and their count
 // until a step or GT_end_iterator frees them.
-void release(GT_tree **handle, bool with_items) {
+void release([[maybe_unused]] const char *op, GT_tree **handle, bool with_items) {
     if (!handle || !*handle) return;
     GT_tree *tree = *handle;
+    VORN_CHK(dies(op, tree));
     for (GL_node *e = tree->iterators->first; e; e = e->next) {
         auto *it = static_cast<GT_iter *>(e->item);
         it->next = nullptr;
@@ -77,24 +79,29 @@ void print_below(const GT_node *n, int32_t depth) {
 
 extern "C" {
 
-void GT_make_empty(GT_tree *tree) { empty(tree, false); }
+void GT_make_empty(GT_tree *tree) {
+    VORN_CHK(gt_live(__func__, tree));
+    empty(tree, false);
+}
 
 void GT_total_make_empty(GT_tree *tree, int32_t item_size) {
+    VORN_CHK(gt_live(__func__, tree));
     gt_item_size = item_size;
     empty(tree, true);
 }
 
-void GT_release(GT_tree **handle) { release(handle, false); }
+void GT_release(GT_tree **handle) { release(__func__, handle, false); }
 
 void GT_total_release(GT_tree **handle, int32_t item_size) {
     gt_item_size = item_size;
-    release(handle, true);
+    release(__func__, handle, true);
 }
 
 // Bubble passes along the chain with a falling bound: a pass stops ahead of
 // the last exchange of the pass before, since all from there on is in order.
 // Only a strictly smaller item moves forward, so equal items keep their order.
 void GT_sort(GT_tree *tree) {
+    VORN_CHK(gt_live(__func__, tree));
     if (!tree || !tree->first || !tree->first->next) return;
     gt_compare = tree->compare;
     GT_node *bound = nullptr;
@@ -124,9 +131,15 @@ void GT_sort(GT_tree *tree) {
     } while (last_exchange != tree->first);
 }
 
-int32_t GT_count_items(GT_tree *tree) { return tree ? count_below(tree->root) : 0; }
+// The count walks every node, so the checked build checks the whole tree.
+int32_t GT_count_items(GT_tree *tree) {
+    VORN_CHK(gt(__func__, tree));
+    VORN_CHK(gt_full(__func__, tree));
+    return tree ? count_below(tree->root) : 0;
+}
 
 void GT_print_tree(GT_tree *tree, GT_print_fn print) {
+    VORN_CHK(gt_live(__func__, tree));
     if (!tree) return;
     gt_print_item = print;
     print_below(tree->root, 0);
