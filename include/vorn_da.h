@@ -39,6 +39,8 @@
 #ifndef VORN_DA_H
 #define VORN_DA_H
 
+#include <string.h>
+
 #include "vorn_base.h"
 
 #ifdef __cplusplus
@@ -190,15 +192,53 @@ VORN_API int32_t DA_next(DA_iter *iterator, void **item);
 /* Reading an item that is there is one multiplication, so hosts get it
  * inline: DA_get_item with an index in 0 .. nitems - 1 gives the slot's
  * address without a call, and any other index goes to the library, with the
- * same result as the exported call.  Define VORN_NO_INLINE_WALKS to call the
- * library always. */
-#if !defined(VORN_NO_INLINE_WALKS) && !defined(VORN_CONTAINER_BUILD)
+ * same result as the exported call.
+ *
+ * Appending to an array with room is one copy, so it is inline too:
+ * DA_append of 1 or more items that fit in nalloc - nitems copies them
+ * behind the last item and raises nitems; a count of 0 or less, or one that
+ * needs growth, goes to the library.  Contents, nitems, nalloc and raises
+ * are those of the exported call.
+ *
+ * Define VORN_NO_INLINE_WALKS to call the library always; a VORN_CHECKED
+ * build calls it always too, so that its checks see every call.  The
+ * exported functions stay callable by name: (DA_get_item)(array, index). */
+#if !defined(VORN_NO_INLINE_WALKS) && !defined(VORN_CHECKED) && !defined(VORN_CONTAINER_BUILD)
 static inline void *DA_get_item_inline(DA_array *array, int32_t index) {
     if (index >= 0 && index < array->nitems)
         return (char *)array->data + (size_t)index * (size_t)array->item_size;
     return DA_get_item(array, index);
 }
 #define DA_get_item(array, index) DA_get_item_inline((array), (index))
+
+static inline void DA_append_inline(DA_array *array, const void *items, int32_t count) {
+    const int32_t n = array->nitems;
+    if (count > 0 && count <= array->nalloc - n) {
+        char *to = (char *)array->data + (size_t)n * (size_t)array->item_size;
+        const size_t bytes = (size_t)count * (size_t)array->item_size;
+        /* The usual sizes as fixed-size moves rather than a call.  gcc
+         * checks each branch against the caller's source object although
+         * only the one of the source's size runs, hence the pragmas. */
+#if defined(__GNUC__) && !defined(__clang__)
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Warray-bounds"
+#pragma GCC diagnostic ignored "-Wstringop-overread"
+#endif
+        if (bytes == 4)
+            memcpy(to, items, 4);
+        else if (bytes == 8)
+            memcpy(to, items, 8);
+        else
+            memcpy(to, items, bytes);
+#if defined(__GNUC__) && !defined(__clang__)
+#pragma GCC diagnostic pop
+#endif
+        array->nitems = n + count;
+        return;
+    }
+    (DA_append)(array, items, count);
+}
+#define DA_append(array, items, count) DA_append_inline((array), (items), (count))
 #endif
 
 #ifdef __cplusplus

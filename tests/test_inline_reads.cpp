@@ -1,6 +1,8 @@
 // The inline reads of the DA and HSH headers give the same results as the
 // exported calls and leave the containers alike.
+#include <cstring>
 #include <map>
+#include <optional>
 
 #include "support.hpp"
 
@@ -16,6 +18,44 @@ TEST(InlineReads, DaReadMatchesTheExportedOne) {
         EXPECT_EQ(a->nalloc, b->nalloc);
         DA_release(a);
         DA_release(b);
+    }
+}
+
+// Appends of every count class (none, negative, into room, past the room,
+// exactly filling it) to twin arrays, one through the inline form and one
+// through the exported call: same bytes, counts, capacity and raise.  The
+// last round arms an injected failure, which only a growth meets; the old
+// blocks, which a failed growth leaves to the caller, are freed by hand.
+TEST(InlineReads, DaAppendMatchesTheExportedOne) {
+    const char src[64] = "abcdefghijklmnopqrstuvwxyz0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZ";
+    for (int32_t item_size : {1, 4, 8, 12}) {
+        for (int32_t step : {1, 3, 8}) {
+            DA_array *twins[2] = {DA_create(item_size, step), DA_create(item_size, step)};
+            for (int32_t round = 0; round < 40; ++round) {
+                const bool last = round == 39;
+                const int32_t count = last ? twins[0]->nalloc - twins[0]->nitems + 1 : round % 7 - 1;
+                void *old[2] = {twins[0]->data, twins[1]->data};
+                std::optional<vorn_test::Raised> raised[2];
+                for (int k = 0; k < 2; ++k) {
+                    MM_fail_after(last ? 0 : -1);
+                    raised[k] = vorn_test::catch_raise([&] {
+                        k ? DA_append_inline(twins[k], src, count) : (DA_append)(twins[k], src, count);
+                    });
+                    MM_fail_after(-1);
+                }
+                ASSERT_EQ(vorn_test::describe(raised[0]), vorn_test::describe(raised[1]));
+                ASSERT_EQ(twins[0]->nitems, twins[1]->nitems);
+                ASSERT_EQ(twins[0]->nalloc, twins[1]->nalloc);
+                if (last) {
+                    ASSERT_TRUE(raised[0] && !twins[0]->data && !twins[1]->data);
+                    for (int k = 0; k < 2; ++k) MM_dealloc_item(old[k], static_cast<size_t>(DA_memsize(twins[k])));
+                } else if (twins[0]->data) {
+                    ASSERT_EQ(0, memcmp(twins[0]->data, twins[1]->data, static_cast<size_t>(DA_memsize(twins[0]))));
+                }
+            }
+            DA_release(twins[0]);
+            DA_release(twins[1]);
+        }
     }
 }
 
