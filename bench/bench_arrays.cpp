@@ -54,14 +54,11 @@ struct Vec {
 template <class T> void Append(benchmark::State &state) {
     delete new T();  // a first build outside the clock warms the allocator
     for (auto _ : vorn_bench::timed(state)) {
-        const int64_t before = T::ours ? MM_bytes_in_use() : vorn_bench::heap_bytes();
+        const int64_t before = vorn_bench::bytes_now(T::ours);
         auto *t = new T();
         t->fill(kItems);
         vorn_bench::pause(state);
-        if (T::ours)
-            vorn_bench::report_mm_bytes(state, before, kItems);
-        else
-            vorn_bench::report_bytes(state, before, kItems);
+        vorn_bench::report_built(state, T::ours, before, kItems);
         delete t;
         vorn_bench::resume(state);
     }

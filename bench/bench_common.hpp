@@ -125,6 +125,16 @@ inline void report_mm_bytes(benchmark::State &state, int64_t before, int64_t ite
                           static_cast<double>(items));
 }
 
+// Heap bytes now as the contender's blocks are counted, and the bytes per
+// item of what was built since `before`.
+inline int64_t bytes_now(bool ours) { return ours ? MM_bytes_in_use() : heap_bytes(); }
+inline void report_built(benchmark::State &state, bool ours, int64_t before, int64_t items) {
+    if (ours)
+        report_mm_bytes(state, before, items);
+    else
+        report_bytes(state, before, items);
+}
+
 inline uint64_t mix(uint64_t x) {
     x ^= x >> 33;
     x *= 0xff51afd7ed558ccdull;

@@ -186,19 +186,14 @@ template <uint32_t Min, int32_t Shift, DenseOp Op> void Dense(benchmark::State &
     vorn_bench::finish(state, static_cast<int64_t>(probe.size()));
 }
 
-int64_t bytes_now(bool ours) { return ours ? MM_bytes_in_use() : vorn_bench::heap_bytes(); }
-
 template <class T, const KeySet &(*Keys)()> void Set(benchmark::State &state) {
     const KeySet &k = Keys();
     for (auto _ : vorn_bench::timed(state)) {
-        const int64_t before = bytes_now(T::ours);
+        const int64_t before = vorn_bench::bytes_now(T::ours);
         auto *t = new T(k);
         for (void *key : k.hit) t->set(key);
         vorn_bench::pause(state);
-        if (T::ours)
-            vorn_bench::report_mm_bytes(state, before, kItems);
-        else
-            vorn_bench::report_bytes(state, before, kItems);
+        vorn_bench::report_built(state, T::ours, before, kItems);
         delete t;
         vorn_bench::resume(state);
     }
