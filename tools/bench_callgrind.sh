@@ -1,9 +1,9 @@
 #!/usr/bin/env bash
 # Instruction counts of the main workloads under callgrind, which repeat
 # exactly on a busy machine where times do not.  Each benchmark runs once in
-# a process of its own, at 1/20 of its benchmark size (VORN_BENCH_SCALE=20),
-# and only its timed region is counted (bench_common.hpp switches
-# callgrind's collection with the clock).  Writes build/bench/callgrind-slabs.tsv
+# a process of its own, at 1/20 of its benchmark size (VORN_BENCH_SCALE=20;
+# the dictionaries keep their size), and only its timed region is counted
+# (bench_common.hpp switches callgrind's collection with the clock).  Writes build/bench/callgrind-slabs.tsv
 # and callgrind-sys.tsv (benchmark, instructions, items); tools/bench_report.py
 # puts them beside the times.  Uses the builds of tools/bench.sh (made here
 # if missing).  Takes some minutes.
@@ -12,7 +12,7 @@ cd "$(dirname "$0")/.."
 tools/deps.sh valgrind
 scale=20
 out=build/bench
-main_ops='(TreeInsert|TreeLookup|TreeRemoveAt|Set(Ptr|Rand)|GetHit(Ptr|Rand)|GetMiss(Ptr|Rand)|Remove(Ptr|Rand)|Append|Walk|InsertAfterHeld|RemoveFront|ArrayAppend|ArrayAppendReuse|TextWrite|TextRead)'
+main_ops='(TreeInsert|TreeLookup|TreeRemoveAt|Set(Ptr|Rand)|GetHit(Ptr|Rand)|GetMiss(Ptr|Rand)|Remove(Ptr|Rand)|Append|Walk|InsertAfterHeld|RemoveFront|ArrayAppend|ArrayAppendReuse|TextWrite|TextRead|TopicAdd)'
 for kind in slabs sys; do
   dir=$out; flags=()
   [ "$kind" = sys ] && { dir=$out-sys; flags=(-DVORN_MM_SYSTEM=ON); }

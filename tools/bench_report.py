@@ -31,6 +31,8 @@ BOUND = {
                             "parent links); peers erase through a held iterator",
     ("ArrayAppend", "DAstep1024"): "bound: DA grows by a fixed step, so ~10,000 resizes of the "
                                    "whole block",
+    ("TopicAdd", "RDBDICT"): "bound: RDBDICT_add walks both levels, the topics before its own "
+                             "and then the topic's keys",
     ("RemovePtr", "HSH"): "bound: removal repairs the run behind the hole by the backward rule",
     ("RemoveRand", "HSH"): "bound: removal repairs the run behind the hole by the backward rule",
 }
@@ -178,7 +180,7 @@ def main(src, md_out, svg_out):
         "**slabs**: our blocks from the stand-in's slabs; **malloc**: our blocks from glibc "
         "(`VORN_MM_SYSTEM=ON`, what a host with its own base library gets). Peers run in the "
         "slab build's process; the malloc rows are a second process of the same pass. "
-        "Instructions per item: callgrind, at 1/20 of the size, timed region only "
+        "Instructions per item: callgrind, at 1/20 of the size (the dictionaries at full size), timed region only "
         "(`tools/bench_callgrind.sh`). At that size the HSH pointer keys (the addresses of one "
         "array of 32-byte objects) show the costs of evenly spaced keys described in "
         "`vorn_hsh.h`, which a million of them escape: their set and miss counts are not those "
