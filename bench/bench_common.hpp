@@ -1,17 +1,98 @@
-// What the benchmarks share: the workload size, deterministic keys and the
-// measure of heap bytes per item.
+// What the benchmarks share: the workload size, deterministic keys, the
+// measure of heap bytes per item, and the timed regions (the clock, page
+// faults and callgrind's instruction counts all cover the same code).
 #pragma once
 
 #include <benchmark/benchmark.h>
 #include <malloc.h>
+#include <sys/resource.h>
+#include <valgrind/callgrind.h>
 
 #include <cstdint>
 #include <cstdlib>
-
-#include "vorn_base.h"
 #include <vector>
 
+#include "vorn_base.h"
+
 namespace vorn_bench {
+
+// A workload of `n` items, divided by VORN_BENCH_SCALE when it is set
+// (tools/bench_callgrind.sh runs small workloads under callgrind).
+inline int64_t scaled(int64_t n) {
+    const char *d = std::getenv("VORN_BENCH_SCALE");
+    const int64_t div = d ? std::atoll(d) : 1;
+    return div > 1 ? n / div : n;
+}
+
+// ---- timed regions ----
+// Page faults taken and callgrind's collection follow the clock: on while
+// the loop body runs, off between pause() and resume().
+struct Meter {
+    bool on = false;
+    long started = 0;
+    long faults = 0;
+};
+inline Meter &meter() {
+    static Meter m;
+    return m;
+}
+inline long faults_now() {
+    struct rusage r;
+    getrusage(RUSAGE_SELF, &r);
+    return r.ru_minflt + r.ru_majflt;
+}
+inline void timing(bool on) {
+    Meter &m = meter();
+    if (on == m.on) return;
+    m.on = on;
+    if (on) {
+        m.started = faults_now();
+        CALLGRIND_TOGGLE_COLLECT;
+    } else {
+        CALLGRIND_TOGGLE_COLLECT;
+        m.faults += faults_now() - m.started;
+    }
+}
+
+// for (auto _ : vorn_bench::timed(state)) in place of for (auto _ : state).
+struct Timed {
+    benchmark::State &state;
+    struct End {};
+    struct It {
+        benchmark::State::StateIterator at, end;
+        bool operator!=(End) {
+            const bool more = at != end;
+            timing(more);
+            return more;
+        }
+        void operator++() { ++at; }
+        benchmark::State::StateIterator::Value operator*() const { return *at; }
+    };
+    It begin() { return It{state.begin(), state.end()}; }
+    End end() { return {}; }
+};
+inline Timed timed(benchmark::State &state) {
+    meter().faults = 0;
+    return Timed{state};
+}
+inline void pause(benchmark::State &state) {
+    timing(false);
+    state.PauseTiming();
+}
+inline void resume(benchmark::State &state) {
+    state.ResumeTiming();
+    timing(true);
+}
+
+// Items per iteration, and the page faults that the timed regions took per
+// item (none on warmed memory; the stand-in's large blocks are mappings of
+// their own, which fault again after each release).
+inline void finish(benchmark::State &state, int64_t items) {
+    state.SetItemsProcessed(state.iterations() * items);
+    state.counters["faults_per_item"] =
+        static_cast<double>(meter().faults) / static_cast<double>(state.iterations() * items);
+    meter().faults = 0;
+}
 
 // Bytes the process heap holds now (allocator overhead included), so that
 // every contender is measured the same way: our slabs come from malloc too.
@@ -42,6 +123,16 @@ inline void report_mm_bytes(benchmark::State &state, int64_t before, int64_t ite
     const int64_t bytes = MM_bytes_in_use() - before;
     keep_bytes(state, static_cast<double>((bytes + grain - 1) / grain * grain) /
                           static_cast<double>(items));
+}
+
+// Heap bytes now as the contender's blocks are counted, and the bytes per
+// item of what was built since `before`.
+inline int64_t bytes_now(bool ours) { return ours ? MM_bytes_in_use() : heap_bytes(); }
+inline void report_built(benchmark::State &state, bool ours, int64_t before, int64_t items) {
+    if (ours)
+        report_mm_bytes(state, before, items);
+    else
+        report_bytes(state, before, items);
 }
 
 inline uint64_t mix(uint64_t x) {

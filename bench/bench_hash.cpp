@@ -2,6 +2,12 @@
 // words (addresses of 32-byte objects; HSH with shift 5 skips the alignment
 // bits) and random words (shift 0).  Set, get hit, get miss, remove.  HSH
 // against GHashTable (g_direct_hash), std::unordered_map and uthash.
+//
+// Dense aligned keys, HSH alone: the addresses of 300,000 objects of 32
+// bytes in a row, set in address order and shuffled, looked up, and missed
+// with random aligned words, under several minimum sizes and shifts.  The
+// home slot is a field of the key's bits, so with shift 5 these keys' homes
+// form one solid block: see the cost paragraph of vorn_hsh.h.
 #include <glib.h>
 #include <uthash.h>
 
@@ -14,7 +20,7 @@
 
 namespace {
 
-constexpr int64_t kItems = 1000000;
+const int64_t kItems = vorn_bench::scaled(1000000);
 
 struct KeySet {
     std::vector<void *> hit, miss;
@@ -127,23 +133,71 @@ struct Uthash {
     }
 };
 
-int64_t bytes_now(bool ours) { return ours ? MM_bytes_in_use() : vorn_bench::heap_bytes(); }
+// ---- dense aligned keys ----
+const int64_t kDense = vorn_bench::scaled(300000);
+const int64_t kDenseMisses = vorn_bench::scaled(2000);
+
+struct DenseKeys {
+    std::vector<void *> ordered, shuffled, miss;
+};
+
+const DenseKeys &dense_keys() {
+    static const DenseKeys ks = [] {
+        DenseKeys k;
+        const uintptr_t base = uintptr_t{1} << 28;
+        for (int64_t i = 0; i < kDense; ++i)
+            k.ordered.push_back(reinterpret_cast<void *>(base + static_cast<uintptr_t>(i) * 32));
+        k.shuffled = k.ordered;
+        std::mt19937_64 rng(5);
+        std::shuffle(k.shuffled.begin(), k.shuffled.end(), rng);
+        // Aligned words whose homes spread over the whole table; none is a key.
+        for (int64_t i = 0; i < kDenseMisses; ++i)
+            k.miss.push_back(reinterpret_cast<void *>((vorn_bench::mix(i + 99) & ~uintptr_t{31}) | (uintptr_t{1} << 31)));
+        return k;
+    }();
+    return ks;
+}
+
+enum DenseOp { kSetOrdered, kSetShuffled, kGetHit, kGetMiss };
+
+template <uint32_t Min, int32_t Shift, DenseOp Op> void Dense(benchmark::State &state) {
+    const DenseKeys &k = dense_keys();
+    const std::vector<void *> &keys = Op == kSetOrdered ? k.ordered : k.shuffled;
+    HSH_table *t = nullptr;
+    if (Op == kGetHit || Op == kGetMiss) {
+        t = HSH_create(Min, Shift);
+        for (void *key : keys) HSH_set_value(t, key, key);
+    }
+    const std::vector<void *> &probe = Op == kGetMiss ? k.miss : keys;
+    for (auto _ : vorn_bench::timed(state)) {
+        if (Op == kSetOrdered || Op == kSetShuffled) {
+            t = HSH_create(Min, Shift);
+            for (void *key : keys) HSH_set_value(t, key, key);
+            vorn_bench::pause(state);
+            HSH_release(&t);
+            vorn_bench::resume(state);
+        } else {
+            int64_t found = 0;
+            for (void *key : probe) found += HSH_get_value(t, key) != nullptr;
+            benchmark::DoNotOptimize(found);
+        }
+    }
+    if (t) HSH_release(&t);
+    vorn_bench::finish(state, static_cast<int64_t>(probe.size()));
+}
 
 template <class T, const KeySet &(*Keys)()> void Set(benchmark::State &state) {
     const KeySet &k = Keys();
-    for (auto _ : state) {
-        const int64_t before = bytes_now(T::ours);
+    for (auto _ : vorn_bench::timed(state)) {
+        const int64_t before = vorn_bench::bytes_now(T::ours);
         auto *t = new T(k);
         for (void *key : k.hit) t->set(key);
-        state.PauseTiming();
-        if (T::ours)
-            vorn_bench::report_mm_bytes(state, before, kItems);
-        else
-            vorn_bench::report_bytes(state, before, kItems);
+        vorn_bench::pause(state);
+        vorn_bench::report_built(state, T::ours, before, kItems);
         delete t;
-        state.ResumeTiming();
+        vorn_bench::resume(state);
     }
-    state.SetItemsProcessed(state.iterations() * kItems);
+    vorn_bench::finish(state, kItems);
 }
 
 template <class T, const KeySet &(*Keys)(), bool Hit> void Get(benchmark::State &state) {
@@ -151,28 +205,28 @@ template <class T, const KeySet &(*Keys)(), bool Hit> void Get(benchmark::State 
     auto *t = new T(k);
     for (void *key : k.hit) t->set(key);
     const std::vector<void *> &probe = Hit ? k.hit : k.miss;
-    for (auto _ : state) {
+    for (auto _ : vorn_bench::timed(state)) {
         int64_t found = 0;
         for (void *key : probe) found += t->get(key);
         benchmark::DoNotOptimize(found);
     }
     delete t;
-    state.SetItemsProcessed(state.iterations() * kItems);
+    vorn_bench::finish(state, kItems);
 }
 
 template <class T, const KeySet &(*Keys)()> void Remove(benchmark::State &state) {
     const KeySet &k = Keys();
-    for (auto _ : state) {
-        state.PauseTiming();
+    for (auto _ : vorn_bench::timed(state)) {
+        vorn_bench::pause(state);
         auto *t = new T(k);
         for (void *key : k.hit) t->set(key);
-        state.ResumeTiming();
+        vorn_bench::resume(state);
         for (void *key : k.hit) t->remove(key);
-        state.PauseTiming();
+        vorn_bench::pause(state);
         delete t;
-        state.ResumeTiming();
+        vorn_bench::resume(state);
     }
-    state.SetItemsProcessed(state.iterations() * kItems);
+    vorn_bench::finish(state, kItems);
 }
 
 }  // namespace
@@ -195,3 +249,15 @@ VORN_HASH_BENCH(HSH, Hsh, Rand, rand_keys);
 VORN_HASH_BENCH(GHashTable, GHash, Rand, rand_keys);
 VORN_HASH_BENCH(StdUnorderedMap, StdUMap, Rand, rand_keys);
 VORN_HASH_BENCH(Uthash, Uthash, Rand, rand_keys);
+
+#define VORN_DENSE_BENCH(min, shift)                                                                 \
+    BENCHMARK(Dense<min, shift, kSetOrdered>)->Name("HSH_DenseSetOrdered_m" #min "s" #shift);        \
+    BENCHMARK(Dense<min, shift, kSetShuffled>)->Name("HSH_DenseSetShuffled_m" #min "s" #shift);      \
+    BENCHMARK(Dense<min, shift, kGetHit>)->Name("HSH_DenseGetHit_m" #min "s" #shift);                \
+    BENCHMARK(Dense<min, shift, kGetMiss>)->Name("HSH_DenseGetMiss_m" #min "s" #shift)
+
+VORN_DENSE_BENCH(1024, 5);
+VORN_DENSE_BENCH(1024, 4);
+VORN_DENSE_BENCH(1024, 3);
+VORN_DENSE_BENCH(1024, 0);
+VORN_DENSE_BENCH(1048576, 4);

@@ -21,7 +21,7 @@ vorn_compare_fn vorn_bench_compare = vorn_bench_key_compare;
 
 namespace {
 
-constexpr int64_t kItems = 1000000;
+const int64_t kItems = vorn_bench::scaled(1000000);
 
 const std::vector<void *> &keys() {
     static const std::vector<void *> k = [] {
@@ -46,33 +46,33 @@ GT_tree *gt_filled(std::vector<GT_node *> *pos = nullptr) {
 }
 
 void GT_TreeInsert(benchmark::State &state) {
-    for (auto _ : state) {
+    for (auto _ : vorn_bench::timed(state)) {
         const int64_t before = MM_bytes_in_use();
         GT_tree *t = GT_create_with_dupl_allowed(vorn_bench_compare);
         for (void *k : keys()) GT_insert_item(t, k);
-        state.PauseTiming();
+        vorn_bench::pause(state);
         vorn_bench::report_mm_bytes(state, before, kItems);
         GT_release(&t);
-        state.ResumeTiming();
+        vorn_bench::resume(state);
     }
-    state.SetItemsProcessed(state.iterations() * kItems);
+    vorn_bench::finish(state, kItems);
 }
 
 void GT_TreeLookup(benchmark::State &state) {
     GT_tree *t = gt_filled();
-    for (auto _ : state) {
+    for (auto _ : vorn_bench::timed(state)) {
         int64_t found = 0;
         GT_node *pos;
         for (void *k : keys()) found += GT_search_item(t, k, &pos);
         benchmark::DoNotOptimize(found);
     }
     GT_release(&t);
-    state.SetItemsProcessed(state.iterations() * kItems);
+    vorn_bench::finish(state, kItems);
 }
 
 void GT_TreeWalk(benchmark::State &state) {
     GT_tree *t = gt_filled();
-    for (auto _ : state) {
+    for (auto _ : vorn_bench::timed(state)) {
         uintptr_t sum = 0;
         GT_iter *it = GT_all_items(t);
         void *item;
@@ -80,19 +80,19 @@ void GT_TreeWalk(benchmark::State &state) {
         benchmark::DoNotOptimize(sum);
     }
     GT_release(&t);
-    state.SetItemsProcessed(state.iterations() * kItems);
+    vorn_bench::finish(state, kItems);
 }
 
 // The sorted chain is public: a host may walk it directly.
 void GT_TreeWalkLinks(benchmark::State &state) {
     GT_tree *t = gt_filled();
-    for (auto _ : state) {
+    for (auto _ : vorn_bench::timed(state)) {
         uintptr_t sum = 0;
         for (GT_node *n = t->first; n; n = n->next) sum += reinterpret_cast<uintptr_t>(n->item);
         benchmark::DoNotOptimize(sum);
     }
     GT_release(&t);
-    state.SetItemsProcessed(state.iterations() * kItems);
+    vorn_bench::finish(state, kItems);
 }
 
 // Removal of every node through the position its insertion gave, in
@@ -100,17 +100,17 @@ void GT_TreeWalkLinks(benchmark::State &state) {
 void GT_TreeRemoveAt(benchmark::State &state) {
     std::vector<GT_node *> pos;
     pos.reserve(kItems);
-    for (auto _ : state) {
-        state.PauseTiming();
+    for (auto _ : vorn_bench::timed(state)) {
+        vorn_bench::pause(state);
         pos.clear();
         GT_tree *t = gt_filled(&pos);
-        state.ResumeTiming();
+        vorn_bench::resume(state);
         for (GT_node *n : pos) GT_remove_item(t, n);
-        state.PauseTiming();
+        vorn_bench::pause(state);
         GT_release(&t);
-        state.ResumeTiming();
+        vorn_bench::resume(state);
     }
-    state.SetItemsProcessed(state.iterations() * kItems);
+    vorn_bench::finish(state, kItems);
 }
 
 // ---- GTree ----
@@ -125,53 +125,53 @@ GTree *gtree_filled() {
 }
 
 void GTree_TreeInsert(benchmark::State &state) {
-    for (auto _ : state) {
+    for (auto _ : vorn_bench::timed(state)) {
         const int64_t before = vorn_bench::heap_bytes();
         GTree *t = g_tree_new(gtree_compare);
         for (void *k : keys()) g_tree_insert(t, k, k);
-        state.PauseTiming();
+        vorn_bench::pause(state);
         vorn_bench::report_bytes(state, before, kItems);
         g_tree_destroy(t);
-        state.ResumeTiming();
+        vorn_bench::resume(state);
     }
-    state.SetItemsProcessed(state.iterations() * kItems);
+    vorn_bench::finish(state, kItems);
 }
 
 void GTree_TreeLookup(benchmark::State &state) {
     GTree *t = gtree_filled();
-    for (auto _ : state) {
+    for (auto _ : vorn_bench::timed(state)) {
         int64_t found = 0;
         for (void *k : keys()) found += g_tree_lookup(t, k) != nullptr;
         benchmark::DoNotOptimize(found);
     }
     g_tree_destroy(t);
-    state.SetItemsProcessed(state.iterations() * kItems);
+    vorn_bench::finish(state, kItems);
 }
 
 void GTree_TreeWalk(benchmark::State &state) {
     GTree *t = gtree_filled();
-    for (auto _ : state) {
+    for (auto _ : vorn_bench::timed(state)) {
         uintptr_t sum = 0;
         for (GTreeNode *n = g_tree_node_first(t); n; n = g_tree_node_next(n))
             sum += reinterpret_cast<uintptr_t>(g_tree_node_key(n));
         benchmark::DoNotOptimize(sum);
     }
     g_tree_destroy(t);
-    state.SetItemsProcessed(state.iterations() * kItems);
+    vorn_bench::finish(state, kItems);
 }
 
 // GTree has no removal by node: the nearest is removal by key.
 void GTree_TreeRemoveAt(benchmark::State &state) {
-    for (auto _ : state) {
-        state.PauseTiming();
+    for (auto _ : vorn_bench::timed(state)) {
+        vorn_bench::pause(state);
         GTree *t = gtree_filled();
-        state.ResumeTiming();
+        vorn_bench::resume(state);
         for (void *k : keys()) g_tree_remove(t, k);
-        state.PauseTiming();
+        vorn_bench::pause(state);
         g_tree_destroy(t);
-        state.ResumeTiming();
+        vorn_bench::resume(state);
     }
-    state.SetItemsProcessed(state.iterations() * kItems);
+    vorn_bench::finish(state, kItems);
 }
 
 // ---- std::multiset ----
@@ -193,58 +193,58 @@ template <class Less> std::multiset<void *, Less> *set_new() {
 }
 
 template <class Less> void Set_Insert(benchmark::State &state) {
-    for (auto _ : state) {
+    for (auto _ : vorn_bench::timed(state)) {
         const int64_t before = vorn_bench::heap_bytes();
         auto *s = set_new<Less>();
         for (void *k : keys()) s->insert(k);
-        state.PauseTiming();
+        vorn_bench::pause(state);
         vorn_bench::report_bytes(state, before, kItems);
         delete s;
-        state.ResumeTiming();
+        vorn_bench::resume(state);
     }
-    state.SetItemsProcessed(state.iterations() * kItems);
+    vorn_bench::finish(state, kItems);
 }
 
 template <class Less> void Set_Lookup(benchmark::State &state) {
     auto *s = set_new<Less>();
     for (void *k : keys()) s->insert(k);
-    for (auto _ : state) {
+    for (auto _ : vorn_bench::timed(state)) {
         int64_t found = 0;
         for (void *k : keys()) found += s->find(k) != s->end();
         benchmark::DoNotOptimize(found);
     }
     delete s;
-    state.SetItemsProcessed(state.iterations() * kItems);
+    vorn_bench::finish(state, kItems);
 }
 
 template <class Less> void Set_Walk(benchmark::State &state) {
     auto *s = set_new<Less>();
     for (void *k : keys()) s->insert(k);
-    for (auto _ : state) {
+    for (auto _ : vorn_bench::timed(state)) {
         uintptr_t sum = 0;
         for (void *k : *s) sum += reinterpret_cast<uintptr_t>(k);
         benchmark::DoNotOptimize(sum);
     }
     delete s;
-    state.SetItemsProcessed(state.iterations() * kItems);
+    vorn_bench::finish(state, kItems);
 }
 
 template <class Less> void Set_RemoveAt(benchmark::State &state) {
     using It = typename std::multiset<void *, Less>::iterator;
     std::vector<It> pos;
     pos.reserve(kItems);
-    for (auto _ : state) {
-        state.PauseTiming();
+    for (auto _ : vorn_bench::timed(state)) {
+        vorn_bench::pause(state);
         pos.clear();
         auto *s = set_new<Less>();
         for (void *k : keys()) pos.push_back(s->insert(k));
-        state.ResumeTiming();
+        vorn_bench::resume(state);
         for (It i : pos) s->erase(i);
-        state.PauseTiming();
+        vorn_bench::pause(state);
         delete s;
-        state.ResumeTiming();
+        vorn_bench::resume(state);
     }
-    state.SetItemsProcessed(state.iterations() * kItems);
+    vorn_bench::finish(state, kItems);
 }
 
 void StdMultisetFn_TreeInsert(benchmark::State &s) { Set_Insert<FnLess>(s); }
@@ -291,22 +291,22 @@ void rb_fill(RbTree *h, std::vector<RbNode *> *pos = nullptr) {
 }
 
 void BsdRb_TreeInsert(benchmark::State &state) {
-    for (auto _ : state) {
+    for (auto _ : vorn_bench::timed(state)) {
         const int64_t before = vorn_bench::heap_bytes();
         RbTree h;
         rb_fill(&h);
-        state.PauseTiming();
+        vorn_bench::pause(state);
         vorn_bench::report_bytes(state, before, kItems);
         rb_free(&h);
-        state.ResumeTiming();
+        vorn_bench::resume(state);
     }
-    state.SetItemsProcessed(state.iterations() * kItems);
+    vorn_bench::finish(state, kItems);
 }
 
 void BsdRb_TreeLookup(benchmark::State &state) {
     RbTree h;
     rb_fill(&h);
-    for (auto _ : state) {
+    for (auto _ : vorn_bench::timed(state)) {
         int64_t found = 0;
         RbNode probe;
         for (void *k : keys()) {
@@ -316,37 +316,37 @@ void BsdRb_TreeLookup(benchmark::State &state) {
         benchmark::DoNotOptimize(found);
     }
     rb_free(&h);
-    state.SetItemsProcessed(state.iterations() * kItems);
+    vorn_bench::finish(state, kItems);
 }
 
 void BsdRb_TreeWalk(benchmark::State &state) {
     RbTree h;
     rb_fill(&h);
-    for (auto _ : state) {
+    for (auto _ : vorn_bench::timed(state)) {
         uintptr_t sum = 0;
         RbNode *n;
         RB_FOREACH(n, RbTree, &h) sum += reinterpret_cast<uintptr_t>(n->item);
         benchmark::DoNotOptimize(sum);
     }
     rb_free(&h);
-    state.SetItemsProcessed(state.iterations() * kItems);
+    vorn_bench::finish(state, kItems);
 }
 
 void BsdRb_TreeRemoveAt(benchmark::State &state) {
     std::vector<RbNode *> pos;
     pos.reserve(kItems);
-    for (auto _ : state) {
-        state.PauseTiming();
+    for (auto _ : vorn_bench::timed(state)) {
+        vorn_bench::pause(state);
         pos.clear();
         RbTree h;
         rb_fill(&h, &pos);
-        state.ResumeTiming();
+        vorn_bench::resume(state);
         for (RbNode *n : pos) RB_REMOVE(RbTree, &h, n);
-        state.PauseTiming();
+        vorn_bench::pause(state);
         for (RbNode *n : pos) free(n);
-        state.ResumeTiming();
+        vorn_bench::resume(state);
     }
-    state.SetItemsProcessed(state.iterations() * kItems);
+    vorn_bench::finish(state, kItems);
 }
 
 }  // namespace

@@ -40,6 +40,8 @@
 #ifndef VORN_DA_H
 #define VORN_DA_H
 
+#include <string.h>
+
 #include "vorn_base.h"
 #include "vorn_raises.h"
 
@@ -126,7 +128,8 @@ VORN_API void *DA_data(DA_array *array);
 
 /* Copies `count` items from `items` behind the last item, growing when
  * nitems + count > nalloc; nitems rises by count.  A count of 0 or less
- * changes nothing and does not read `items`. */
+ * changes nothing and does not read `items`.  `items` must not lie in the
+ * record itself (the inline form below relies on it). */
 VORN_API void DA_append(DA_array *array, const void *items, int32_t count);
 /* index < nitems: grows when nitems + count > nalloc, moves the items from
  * index up by count places, copies the new items to index.
@@ -201,8 +204,17 @@ VORN_API int32_t DA_next(DA_iter *iterator, void **item);
 /* Reading an item that is there is one multiplication, so hosts get it
  * inline: DA_get_item with an index in 0 .. nitems - 1 gives the slot's
  * address without a call, and any other index goes to the library, with the
- * same result as the exported call.  Define VORN_NO_INLINE_WALKS to call the
- * library always. */
+ * same result as the exported call.
+ *
+ * Appending one item to an array with room is one copy, so it is inline
+ * too: DA_append with count 1 and nitems < nalloc copies the item behind
+ * the last one and raises nitems; any other count, and an append that needs
+ * growth, goes to the library.  Contents, nitems, nalloc and raises are
+ * those of the exported call.
+ *
+ * Define VORN_NO_INLINE_WALKS to call the library always; a VORN_CHECKED
+ * build calls it always too, so that its checks see every call.  The
+ * exported functions stay callable by name: (DA_get_item)(array, index). */
 #if !defined(VORN_NO_INLINE_WALKS) && !defined(VORN_CHECKED) && !defined(VORN_CONTAINER_BUILD)
 static inline void *DA_get_item_inline(DA_array *array, int32_t index) {
     if (index >= 0 && index < array->nitems)
@@ -210,10 +222,55 @@ static inline void *DA_get_item_inline(DA_array *array, int32_t index) {
     return DA_get_item(array, index);
 }
 #define DA_get_item(array, index) DA_get_item_inline((array), (index))
+
+/* The record is restrict-qualified: the item copied in lies in the block or
+ * elsewhere, never in the record, so a compiler may keep nitems in a
+ * register across a loop of appends. */
+#if defined(__cplusplus) || defined(_MSC_VER)
+#define VORN_DA_RESTRICT __restrict
+#else
+#define VORN_DA_RESTRICT restrict
+#endif
+#if defined(__GNUC__)
+#define VORN_DA_LIKELY(c) __builtin_expect(!!(c), 1)
+#else
+#define VORN_DA_LIKELY(c) (c)
+#endif
+static inline void DA_append_inline(DA_array *VORN_DA_RESTRICT array, const void *items, int32_t count) {
+    const int32_t n = array->nitems;
+    if (VORN_DA_LIKELY(count == 1 && n < array->nalloc)) {
+        char *data = (char *)array->data;
+        const int32_t size = array->item_size;
+        /* The usual sizes as fixed-size moves rather than a call.  gcc
+         * checks each branch against the caller's source object although
+         * only the one of the source's size runs, hence the pragmas. */
+#if defined(__GNUC__) && !defined(__clang__)
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Warray-bounds"
+#pragma GCC diagnostic ignored "-Wstringop-overread"
+#endif
+        if (VORN_DA_LIKELY(size == 4))
+            memcpy(data + (size_t)n * 4, items, 4);
+        else if (size == 8)
+            memcpy(data + (size_t)n * 8, items, 8);
+        else
+            memcpy(data + (size_t)n * (size_t)size, items, (size_t)size);
+#if defined(__GNUC__) && !defined(__clang__)
+#pragma GCC diagnostic pop
+#endif
+        array->nitems = n + 1;
+        return;
+    }
+    (DA_append)(array, items, count);
+}
+#define DA_append(array, items, count) DA_append_inline((array), (items), (count))
 #elif defined(VORN_CHECKED) && !defined(VORN_CONTAINER_BUILD)
 /* The checked build keeps the inline name, calling the checked export. */
 static inline void *DA_get_item_inline(DA_array *array, int32_t index) {
     return DA_get_item(array, index);
+}
+static inline void DA_append_inline(DA_array *array, const void *items, int32_t count) {
+    DA_append(array, items, count);
 }
 #endif
 
