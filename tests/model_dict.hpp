@@ -62,7 +62,7 @@ inline std::string random_bytes(R &rng, const char *banned, uint32_t max_len) {
 template <class R>
 inline SL_list *random_dict(R &rng, int depth) {
     SL_list *d = GENDICT_create();
-    for (uint32_t n = rng.below(depth ? 6 : 30); n > 0; --n) {
+    for (uint32_t n = rng.below(depth ? 6 : 48); n > 0; --n) {  // past 32 keys the reader's index grows
         const std::string key = random_bytes(rng, "]", 6);
         switch (rng.below(depth < 4 ? 4 : 3)) {
             case 0: GENDICT_add(d, key.c_str(), int_val(rng.chance(10) ? INT32_MIN : int32_t(rng.next()))); break;

@@ -16,7 +16,11 @@ Operators: a negated comparison (== !=, < >=, > <=), a shifted boundary
 and a swapped logical operator (&& ||).
 
   tools/mutate.py [--work build/mutate] [--seed 17] [--count 360]
-                  [--suite NAME=BUILD_DIR ...] [--report]
+                  [--suite NAME=BUILD_DIR ...] [--per-case NAME] [--report]
+
+With --per-case NAME, each case of suite NAME's tests/vorn_tests also runs
+alone against every kept mutant, and the report names the cases that kill
+no mutant that another case does not kill too: where trimming may start.
 
 WORK holds a copy of the sources (src/, made from the repository's HEAD when
 missing), their build (build/), the built mutants (mutants/) and the results.
@@ -179,8 +183,8 @@ def keep_library(build, dest):
         return hashlib.sha1(f.read()).hexdigest()
 
 
-def run_suite(suite_dir, lib_path, base_lib, timeout):
-    """True when every binary of the suite passes with lib_path loaded."""
+def loaded(lib_path, base_lib):
+    """The environment that loads lib_path in place of the library."""
     libdir = os.path.join(os.path.dirname(lib_path), "load")
     os.makedirs(libdir, exist_ok=True)
     for src, name in ((lib_path, LIB_NAME), (base_lib, BASE_NAME)):
@@ -188,28 +192,47 @@ def run_suite(suite_dir, lib_path, base_lib, timeout):
         if os.path.lexists(dst):
             os.remove(dst)
         os.symlink(os.path.abspath(src), dst)
-    env = dict(os.environ, LD_LIBRARY_PATH=libdir, GTEST_BRIEF="1")
+    return dict(os.environ, LD_LIBRARY_PATH=libdir, GTEST_BRIEF="1")
+
+
+def cases_of(binary, env, timeout):
+    listing = run([binary, "--gtest_list_tests"], env=env, timeout=timeout).stdout.decode()
+    cases, group = [], ""
+    for line in listing.splitlines():
+        if not line.startswith(" ") and line.endswith("."):
+            group = line
+        elif line.startswith("  "):
+            cases.append(group + line.split()[0])
+    return cases
+
+
+def passes(cmd, env, timeout):
+    p = subprocess.Popen(cmd, env=env, stdout=subprocess.DEVNULL,
+                         stderr=subprocess.DEVNULL, start_new_session=True)
+    try:
+        return p.wait(timeout=timeout) == 0
+    except subprocess.TimeoutExpired:
+        os.killpg(p.pid, 9)
+        p.wait()
+        return False
+
+
+def run_suite(suite_dir, lib_path, base_lib, timeout):
+    """True when every binary of the suite passes with lib_path loaded."""
+    env = loaded(lib_path, base_lib)
     runs = [[os.path.join(suite_dir, "tests", "vorn_tests")]]
     proc = os.path.join(suite_dir, "tests", "vorn_process_tests")
     if os.path.exists(proc):
-        listing = run([proc, "--gtest_list_tests"], env=env, timeout=timeout).stdout.decode()
-        group = ""
-        for line in listing.splitlines():
-            if not line.startswith(" ") and line.endswith("."):
-                group = line
-            elif line.startswith("  "):
-                runs.append([proc, "--gtest_filter=" + group + line.split()[0]])
-    for cmd in runs:
-        try:
-            p = subprocess.Popen(cmd, env=env, stdout=subprocess.DEVNULL,
-                                 stderr=subprocess.DEVNULL, start_new_session=True)
-            if p.wait(timeout=timeout) != 0:
-                return False
-        except subprocess.TimeoutExpired:
-            os.killpg(p.pid, 9)
-            p.wait()
-            return False
-    return True
+        runs += [[proc, "--gtest_filter=" + c] for c in cases_of(proc, env, timeout)]
+    return all(passes(cmd, env, timeout) for cmd in runs)
+
+
+def killing_cases(suite_dir, lib_path, base_lib, timeout):
+    """The cases of the suite's vorn_tests that fail, each run alone."""
+    env = loaded(lib_path, base_lib)
+    binary = os.path.join(suite_dir, "tests", "vorn_tests")
+    return [c for c in cases_of(binary, env, timeout)
+            if not passes([binary, "--gtest_filter=" + c], env, timeout)]
 
 
 def load(path, default):
@@ -223,6 +246,18 @@ def save(path, data):
     with open(path + ".tmp", "w") as f:
         json.dump(data, f, indent=1)
     os.replace(path + ".tmp", path)
+
+
+def report_cases(work, name):
+    res = load(os.path.join(work, f"cases-{name}.json"), {})
+    every = {c for killers in res.values() for c in killers}
+    unique = {}
+    for killers in res.values():
+        if len(killers) == 1:
+            unique[killers[0]] = unique.get(killers[0], 0) + 1
+    print(f"suite {name}, case by case over {len(res)} mutants:")
+    for c in sorted(every, key=lambda c: unique.get(c, 0)):
+        print(f"  {unique.get(c, 0):3d} alone, {sum(c in k for k in res.values()):3d} in all: {c}")
 
 
 def report(work, mutants, suites):
@@ -255,6 +290,7 @@ def main():
     ap.add_argument("--count", type=int, default=360)
     ap.add_argument("--timeout", type=float, default=20.0)
     ap.add_argument("--suite", action="append", default=[], help="NAME=BUILD_DIR")
+    ap.add_argument("--per-case", help="NAME of a suite to run case by case as well")
     ap.add_argument("--report", action="store_true", help="only print the figures")
     a = ap.parse_args()
     work = os.path.abspath(a.work)
@@ -276,6 +312,8 @@ def main():
         save(mpath, mutants)
     if a.report:
         report(work, mutants, suites)
+        if a.per_case:
+            report_cases(work, a.per_case)
         return
     if not os.path.isdir(build):
         subprocess.run(["cmake", "-S", src, "-B", build, "-DCMAKE_BUILD_TYPE=RelWithDebInfo",
@@ -316,10 +354,18 @@ def main():
                 ok = run_suite(d, lib, base_lib, a.timeout)
                 results[name][key] = "survived" if ok else "killed"
                 save(os.path.join(work, f"results-{name}.json"), results[name])
+        if a.per_case:
+            cpath = os.path.join(work, f"cases-{a.per_case}.json")
+            cases = load(cpath, {})
+            if key not in cases:
+                cases[key] = killing_cases(suites[a.per_case], lib, base_lib, a.timeout)
+                save(cpath, cases)
         print(f"#{m['id']} {m['file']}:{m['line']} {m['op']}: " +
               " ".join(f"{n}={results[n][key]}" for n in suites), flush=True)
     build_library(build)  # leave the build matching the sources again
     report(work, mutants, suites)
+    if a.per_case:
+        report_cases(work, a.per_case)
 
 
 if __name__ == "__main__":
