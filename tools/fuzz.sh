@@ -26,6 +26,6 @@ for t in $targets; do
     echo "$t: FAILED (log: $log)"
     exit 1
   fi
-  stats=$(grep -E '^#[0-9]+.*(DONE|cov:)' "$log" | tail -n 1)
+  stats=$(grep -E '^#[0-9]+.*(DONE|cov:)' "$log" | tail -n 1 || true)
   echo "$t: runs ${stats%%[[:space:]]*} $(grep -oE 'cov: [0-9]+ ft: [0-9]+' <<<"$stats")"
 done
