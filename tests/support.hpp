@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <optional>
+#include <random>
 #include <string>
 #include <utility>
 #include <vector>
@@ -132,20 +133,49 @@ inline std::vector<size_t> walk_order(size_t n, size_t from, size_t to, bool for
     return out;
 }
 
-// Small deterministic generator for the randomized tests (seeded per test so
-// that a failure repeats).
+// The choices of the model drivers (tests/model_*.hpp).  A driver asks its
+// source for `below(n)` (uniform in [0, n), 0 when n is 0), `chance(percent)`,
+// `next()` (64 bits) and, before each operation, `more()`.  Rng is the seeded
+// source of the GoogleTest cases (a failure repeats with its seed); Bytes
+// reads the same choices from a fuzzer's input.
 struct Rng {
-    uint64_t s;
-    explicit Rng(uint64_t seed) : s(seed * 0x9E3779B97F4A7C15ull + 1) {}
-    uint64_t next() {
-        s ^= s << 13;
-        s ^= s >> 7;
-        s ^= s << 17;
-        return s;
-    }
-    // Uniform in [0, n).
-    uint32_t below(uint32_t n) { return static_cast<uint32_t>(next() % n); }
+    std::mt19937 g;
+    int64_t steps;
+    explicit Rng(uint64_t seed, int64_t steps_ = INT64_MAX) : g(static_cast<uint32_t>(seed)), steps(steps_) {}
+    bool more() { return steps-- > 0; }
+    uint64_t next() { return uint64_t{g()} << 32 | g(); }
+    uint32_t below(uint32_t n) { return n ? static_cast<uint32_t>(next() % n) : 0; }
     bool chance(uint32_t percent) { return below(100) < percent; }
 };
+
+struct Bytes {
+    const uint8_t *p, *end;
+    int64_t steps;
+    uint32_t after = 1;  // the input used up, choices go on (a retry loop still ends)
+    bool more() { return p < end && steps-- > 0; }
+    uint8_t byte() { return p < end ? *p++ : static_cast<uint8_t>((after = after * 1103515245u + 12345u) >> 16); }
+    uint64_t next() {
+        uint64_t w = 0;
+        for (int i = 0; i < 8; ++i) w = w << 8 | byte();
+        return w;
+    }
+    uint32_t below(uint32_t n) {  // one byte for small ranges, so that inputs stay short
+        uint32_t w = byte();
+        for (uint64_t range = 256; range < n; range <<= 8) w = w << 8 | byte();
+        return n ? w % n : 0;
+    }
+    bool chance(uint32_t percent) { return below(100) < percent; }
+};
+
+// Runs `drive(rng)` for seeds 1..seeds, `steps` operations each, naming the
+// seed of a failure and stopping at the first fatal one.
+template <class F>
+void for_seeds(uint64_t seeds, int64_t steps, F &&drive) {
+    for (uint64_t seed = 1; seed <= seeds && !::testing::Test::HasFatalFailure(); ++seed) {
+        SCOPED_TRACE("seed " + std::to_string(seed));
+        Rng rng(seed, steps);
+        drive(rng);
+    }
+}
 
 }  // namespace vorn_test

@@ -11,110 +11,23 @@
 #include <optional>
 #include <vector>
 
-#include "support.hpp"
+#include "model_lookup.hpp"
 
 namespace {
 
+using namespace lookup_model;
 using vorn_test::LeakChecked;
-using vorn_test::Rng;
-
-void *word(uint64_t v) { return reinterpret_cast<void *>(static_cast<uintptr_t>(v)); }
-uint32_t home(const HSH_table *t, void *k) {
-    return (static_cast<uint32_t>(reinterpret_cast<uintptr_t>(k)) >> t->shift) & t->mask;
-}
-
-// Everything the table guarantees about its own record and arrays.
-void check_invariants(const HSH_table *t) {
-    int32_t log2 = 0;
-    while ((1 << log2) < t->size) ++log2;
-    ASSERT_EQ(t->size, 1 << log2);
-    ASSERT_GE(t->size, 8);
-    ASSERT_GE(t->size, t->min_size);
-    ASSERT_EQ(t->mask, static_cast<uint32_t>(t->size - 1));
-    ASSERT_EQ(t->shift, std::min(std::max(t->wanted_shift, 0), 32 - log2));
-    ASSERT_EQ(t->high_limit, t->size * 7 / 8);
-    ASSERT_EQ(t->low_limit, t->size > t->min_size ? t->size / 4 : 0);
-    // Walking from an empty slot, `len` counts the occupied slots in a row up
-    // to s: a key is reachable when its home lies within that run.
-    uint32_t start = 0;
-    while (t->keys[start]) ++start;  // an empty slot always exists
-    std::vector<void *> present;
-    for (uint32_t n = 1, len = 0; n <= t->mask + 1; ++n) {
-        const uint32_t s = (start + n) & t->mask;
-        void *k = t->keys[s];
-        len = k ? len + 1 : 0;
-        if (!k) continue;
-        present.push_back(k);
-        ASSERT_LT((s - home(t, k)) & t->mask, len) << "empty slot between home and place";
-    }
-    std::sort(present.begin(), present.end());
-    ASSERT_EQ(std::adjacent_find(present.begin(), present.end()), present.end()) << "key twice";
-    ASSERT_EQ(t->count, static_cast<int32_t>(present.size()));
-    ASSERT_LE(t->count, t->high_limit);  // grown in time
-    ASSERT_GE(t->count, t->low_limit);   // shrunk in time
-}
-
-// Keys that collide on purpose: a few home fields, runs that start at the
-// last slots and wrap, noise below the shift, high bits set (bit 31, and on
-// 64-bit hosts bits above 32, which the home slot ignores).
-void *pick_key(Rng &rng, int32_t shift) {
-    const uint64_t noise = shift ? rng.below(1u << shift) : 0;
-    const uint64_t high = uint64_t{rng.below(16)} << 28;
-    const uint64_t wide = sizeof(void *) > 4 && rng.chance(30) ? uint64_t{rng.below(4)} << 40 : 0;
-    switch (rng.below(4)) {
-        case 0: return word(0xFFFFFFFFull - (uint64_t{rng.below(6)} << shift) - noise + wide);
-        case 1: return word((uint64_t{rng.below(6)} << shift) + noise + high + wide);
-        case 2: return word(rng.chance(2) ? 0 : (rng.next() & 0xFFFFFFFFull) | 1);
-        default: return word(((uint64_t{rng.below(300)} + 1) << shift) + noise + wide);
-    }
-}
 
 class HshModel : public LeakChecked {};
 
 TEST_F(HshModel, RandomOperationsKeepTheInvariantsAndTheReference) {
     const struct { uint32_t min; int32_t shift; } shapes[] = {{0, 0}, {0, 5}, {64, 5}, {8, 31}, {16, -3}};
-    int64_t wrapped = 0, largest = 0, shrinks = 0;  // what the keys exercised
-    for (auto shape : shapes) {
-        for (uint64_t seed = 1; seed <= 4; ++seed) {
-            Rng rng(seed * 131 + shape.min + static_cast<uint64_t>(shape.shift + 7));
-            HSH_table *t = HSH_create(shape.min, shape.shift);
-            std::map<void *, void *> ref;
-            for (int op = 0; op < 2000; ++op) {
-                const bool filling = (op / 500) % 2 == 0;
-                void *k = pick_key(rng, t->shift);
-                void *v = word(rng.below(5));  // 0 occurs as a stored value
-                const uint32_t what = rng.below(100);
-                const int32_t before = t->size;
-                if (what < (filling ? 55u : 20u)) {
-                    ASSERT_EQ(HSH_set_value(t, k, v), k ? v : nullptr);
-                    if (k) ref[k] = v;
-                } else if (what < 80) {
-                    if (!ref.empty() && rng.chance(70))  // mostly keys present
-                        k = std::next(ref.begin(), rng.below(static_cast<uint32_t>(ref.size())))->first;
-                    HSH_remove_entry(t, k);
-                    ref.erase(k);
-                } else {
-                    ASSERT_EQ(HSH_contains_key(t, k), ref.count(k) ? 1 : 0);
-                    ASSERT_EQ(HSH_get_value(t, k), ref.count(k) ? ref[k] : nullptr);
-                }
-                check_invariants(t);
-                shrinks += t->size < before;
-                largest = std::max<int64_t>(largest, t->size);
-                for (uint32_t s = 0; s < 4; ++s) wrapped += t->keys[s] && home(t, t->keys[s]) > s;
-            }
-            std::map<void *, void *> walked;
-            HSH_iter it = HSH_all_entries(t);
-            void *k, *v;
-            while (HSH_next(&it, &k, &v)) ASSERT_TRUE(walked.emplace(k, v).second);
-            ASSERT_EQ(walked, ref);
-            ASSERT_EQ(HSH_next(&it, &k, &v), 0);
-            HSH_release(&t);
-            ASSERT_EQ(t, nullptr);
-        }
-    }
-    EXPECT_GT(wrapped, 0);
-    EXPECT_GE(largest, 256);
-    EXPECT_GT(shrinks, 0);
+    Seen seen;  // what the keys exercised
+    for (auto shape : shapes)
+        vorn_test::for_seeds(4, 2000, [&](auto &rng) { run_hsh(rng, shape.min, shape.shift, seen); });
+    EXPECT_GT(seen.wrapped, 0);
+    EXPECT_GE(seen.largest, 256);
+    EXPECT_GT(seen.shrinks, 0);
 }
 
 class Hsh : public LeakChecked {};
@@ -297,84 +210,10 @@ TEST_F(IoLut, CreationShapesAndTheWalkSnapshot) {
     io_lut_release(&w);  // a handle holding null is left alone
 }
 
-// ---- vorn_lu: where each entry lives (slot or table) after each operation,
-// and the order in which the operations look at both places (the table's
-// own order is its walk's).
-using Words = std::vector<void *>;
-using Map = std::map<void *, void *>;
-
-Words g_seen;
-void record_value(void *v) { g_seen.push_back(v); }
-void record_address(void **a) { g_seen.push_back(*a); }
-
 class Lu : public vorn_test::LeakChecked {};
 
 TEST_F(Lu, RandomOperationsFollowTheReference) {
-    for (uint64_t seed = 1; seed <= 40; ++seed) {
-        vorn_test::Rng rng(seed);
-        vorn_lu *lu = vorn_lu_create();
-        ASSERT_EQ(lu->table->size, 8);
-        void *slot_key = nullptr, *slot_value = nullptr;
-        Map table;
-        auto table_order = [&] {  // (key, value) in slot order
-            std::vector<std::pair<void *, void *>> out;
-            HSH_iter it = HSH_all_entries(lu->table);
-            void *k, *v;
-            while (HSH_next(&it, &k, &v)) out.emplace_back(k, v);
-            return out;
-        };
-        auto values = [&] {  // the slot's value if not 0, then the table's, 0 included
-            Words out;
-            if (slot_value) out.push_back(slot_value);
-            for (auto [tk, tv] : table_order()) out.push_back(tv);
-            g_seen.clear();
-            return out;
-        };
-        for (int op = 0; op < 500; ++op) {
-            void *k = word(rng.below(rng.chance(70) ? 6 : 48)), *v = word(rng.below(4));  // 0 occurs as both
-            switch (rng.below(5)) {
-                case 0:
-                case 1:
-                    vorn_lu_add(lu, k, v);
-                    if (slot_key) table[slot_key] = slot_value;
-                    slot_key = k, slot_value = v;
-                    break;
-                case 2:
-                    ASSERT_EQ(vorn_lu_get(lu, k), slot_key == k ? slot_value : table.count(k) ? table[k] : nullptr);
-                    break;
-                case 3: {
-                    void *want = nullptr;
-                    if (slot_value && slot_value == v) want = slot_key;
-                    else
-                        for (auto [tk, tv] : table_order())
-                            if (tv == v && !want) want = tk;
-                    ASSERT_EQ(vorn_lu_find(lu, v), want);
-                    break;
-                }
-                default:
-                    vorn_lu_remove(lu, k);  // one place alone
-                    if (slot_key == k) slot_key = slot_value = nullptr;
-                    else table.erase(k);
-            }
-            ASSERT_EQ(lu->last_key, slot_key);
-            ASSERT_EQ(lu->last_value, slot_value);
-            const auto order = table_order();
-            ASSERT_EQ(Map(order.begin(), order.end()), table);
-            if (op % 50 == 0) {
-                const Words want = values();
-                vorn_lu_apply(lu, record_value);
-                ASSERT_EQ(g_seen, want);
-            }
-        }
-        vorn_lu_add(nullptr, word(1), word(1)), vorn_lu_remove(nullptr, word(1)), vorn_lu_apply(nullptr, record_value);
-        vorn_lu_apply(lu, nullptr), vorn_lu_release(nullptr, nullptr);  // null arguments do nothing
-        EXPECT_EQ(vorn_lu_get(nullptr, word(1)), nullptr);
-        EXPECT_EQ(vorn_lu_find(nullptr, word(1)), nullptr);
-        const Words want = seed % 4 ? values() : (g_seen.clear(), Words());
-        vorn_lu_release(&lu, seed % 4 ? record_address : nullptr);  // without a callback too
-        EXPECT_EQ(g_seen, want);
-        vorn_lu_release(&lu, nullptr);  // a handle holding null does nothing
-    }
+    vorn_test::for_seeds(40, 500, [](auto &rng) { run_lu(rng); });
 }
 
 }  // namespace

@@ -8,10 +8,12 @@
 #include <mutex>
 #include <string>
 #include <thread>
-#include <unordered_map>
 #include <vector>
 
-#include "support.hpp"
+#include "model_arrays.hpp"
+#include "model_dict.hpp"
+#include "model_lists.hpp"
+#include "model_lookup.hpp"
 
 namespace {
 
@@ -19,63 +21,25 @@ using vorn_test::Rng;
 
 constexpr int kThreads = 4;
 
-void *word(uint64_t v) { return reinterpret_cast<void *>(static_cast<uintptr_t>(v)); }
-
-// One thread's share: GL, EL, HSH, DA and a dictionary, each against a
-// reference.  Returns the number of failed checks (gtest assertions are not
-// made off the main thread).
-int own_containers(uint64_t seed, int rounds) {
-    Rng rng(seed);
-    int bad = 0;
-    for (int r = 0; r < rounds; ++r) {
-        GL_list *gl = GL_create();
-        EL_list *el = EL_create(8);
-        HSH_table *h = HSH_create(8, 3);
-        DA_array *da = DA_create(4, 16);
-        SL_list *dict = GENDICT_create();
-        std::unordered_map<uint64_t, uint64_t> ref;
-        for (int i = 0; i < 2000; ++i) {
-            const uint64_t k = (rng.below(512) + 1) << 3;
-            GL_append_after_last(gl, word(k));
-            const uint64_t e = k * 3;
-            EL_append_after_last(el, &e);
-            HSH_set_value(h, word(k), word(i + 1));
-            ref[k] = static_cast<uint64_t>(i + 1);
-            const int32_t v = i;
-            DA_append(da, &v, 1);
-            if (rng.below(4) == 0) {
-                HSH_remove_entry(h, word(k));
-                ref.erase(k);
-                GL_remove_item(gl, gl->first);
-                EL_remove_item(el, el->last);
-            }
-            GENDICT_value gv{GENDICT_INT, {}};
-            gv.data.integer = i;
-            if (i % 50 == 0) GENDICT_add(dict, std::to_string(k).c_str(), gv);
-        }
-        for (auto &[k, v] : ref) bad += HSH_get_value(h, word(k)) != word(v);
-        bad += h->count != static_cast<int32_t>(ref.size());
-        bad += gl->count != el->count || DA_nitems(da) != 2000;
-        for (int32_t i = 0; i < 2000; i += 97) bad += *static_cast<int32_t *>(DA_get_item(da, i)) != i;
-        char *text = nullptr;
-        int32_t len = 0;
-        GENDICT_to_buf(dict, &text, &len);
-        SL_list *back = GENDICT_from_buf(text);
-        bad += !back || back->count != dict->count;
-        std::free(text);
-        GENDICT_release(&back), GENDICT_release(&dict), GL_release(&gl), EL_release(&el), HSH_release(&h);
-        DA_release(da);
-    }
-    return bad;
-}
-
+// One thread's share: the models of EL, DA, HSH and the dictionaries' text
+// form (none of them uses process-wide state), each against its reference.
 TEST(Threads, ContainersOfDifferentThreadsAtTheSameTime) {
     const int64_t blocks = MM_blocks_in_use();
-    std::atomic<int> bad{0};
     std::vector<std::thread> threads;
-    for (int t = 0; t < kThreads; ++t) threads.emplace_back([t, &bad] { bad += own_containers(100 + t, 60); });
+    for (uint64_t t = 0; t < kThreads; ++t)
+        threads.emplace_back([t] {
+            for (uint64_t round = 0; round < 15; ++round) {
+                Rng rng(100 + 16 * t + round, 400);
+                el_model::run(rng);
+                rng.steps = 400;
+                arrays_model::run_da(rng);
+                lookup_model::Seen seen;
+                rng.steps = 1000;
+                lookup_model::run_hsh(rng, 8, 3, seen);
+                dict_model::run(rng);
+            }
+        });
     for (auto &th : threads) th.join();
-    EXPECT_EQ(bad.load(), 0);
     EXPECT_EQ(MM_blocks_in_use(), blocks);
 }
 
