@@ -40,8 +40,6 @@
 #ifndef VORN_DA_H
 #define VORN_DA_H
 
-#include <string.h>
-
 #include "vorn_base.h"
 #include "vorn_raises.h"
 
@@ -236,6 +234,16 @@ static inline void *DA_get_item_inline(DA_array *array, int32_t index) {
 #else
 #define VORN_DA_LIKELY(c) (c)
 #endif
+/* The copy needs no <string.h>: the headers include only <stddef.h> and
+ * <stdint.h>, so a host's include set stays its own. */
+#if defined(__GNUC__) || defined(__clang__)
+#define VORN_DA_COPY(to, from, n) __builtin_memcpy((to), (from), (n))
+#else
+static inline void VORN_DA_COPY(char *to, const void *from, size_t n) {
+    const char *f = (const char *)from;
+    while (n--) *to++ = *f++;
+}
+#endif
 static inline void DA_append_inline(DA_array *VORN_DA_RESTRICT array, const void *items, int32_t count) {
     const int32_t n = array->nitems;
     if (VORN_DA_LIKELY(count == 1 && n < array->nalloc)) {
@@ -250,11 +258,11 @@ static inline void DA_append_inline(DA_array *VORN_DA_RESTRICT array, const void
 #pragma GCC diagnostic ignored "-Wstringop-overread"
 #endif
         if (VORN_DA_LIKELY(size == 4))
-            memcpy(data + (size_t)n * 4, items, 4);
+            VORN_DA_COPY(data + (size_t)n * 4, items, 4);
         else if (size == 8)
-            memcpy(data + (size_t)n * 8, items, 8);
+            VORN_DA_COPY(data + (size_t)n * 8, items, 8);
         else
-            memcpy(data + (size_t)n * (size_t)size, items, (size_t)size);
+            VORN_DA_COPY(data + (size_t)n * (size_t)size, items, (size_t)size);
 #if defined(__GNUC__) && !defined(__clang__)
 #pragma GCC diagnostic pop
 #endif
