@@ -7,6 +7,8 @@
 
 #include <cstdint>
 
+#include "checked.hpp"
+
 namespace {
 
 struct Found {
@@ -44,29 +46,37 @@ void rewrite(DA_array *set, int32_t from, F f) {
 extern "C" {
 
 void SA_add_number(DA_array *set, int32_t number) {
+    VORN_CHK(da(__func__, set));
     const Found f = search(set, number);
     if (!f.hit) DA_insert(set, f.at, &number, 1);
 }
 
-int32_t SA_check_number(DA_array *set, int32_t number) { return search(set, number).hit ? 1 : 0; }
+int32_t SA_check_number(DA_array *set, int32_t number) {
+    VORN_CHK(da(__func__, set));
+    return search(set, number).hit ? 1 : 0;
+}
 
 void SA_remove_number(DA_array *set, int32_t number) {
+    VORN_CHK(da(__func__, set));
     const Found f = search(set, number);
     if (f.hit) DA_delete(set, f.at, 1);
 }
 
 void SA_adapt_for_insert(DA_array *set, int32_t index) {
+    VORN_CHK(da(__func__, set));
     // The numbers below `index` come first and keep their values.
     rewrite(set, search(set, index).at, [](int32_t v) { return v + 1; });
 }
 
 void SA_adapt_for_remove(DA_array *set, int32_t index) {
+    VORN_CHK(da(__func__, set));
     SA_remove_number(set, index);
     // After the removal the numbers above `index` start where it stood.
     rewrite(set, search(set, index).at, [](int32_t v) { return v - 1; });
 }
 
 void SA_adapt_for_reverse(DA_array *set, int32_t count) {
+    VORN_CHK(da(__func__, set));
     rewrite(set, 0, [count](int32_t v) {
         return static_cast<int32_t>(int64_t{count} - v - 1);
     });
@@ -74,6 +84,7 @@ void SA_adapt_for_reverse(DA_array *set, int32_t count) {
 }
 
 void SA_adapt_for_roll(DA_array *set, int32_t shift, int32_t count) {
+    VORN_CHK(da(__func__, set));
     const int32_t n = set->nitems;
     if (n == 0) return;
     const int32_t wrapped = search(set, shift).at;  // members below shift, before the change

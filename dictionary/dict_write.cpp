@@ -10,6 +10,7 @@
 #include <cstring>
 
 #include "dict_core.hpp"
+#include "checked.hpp"
 #include "vorn_gendict.h"
 #include "vorn_rdbdict.h"
 
@@ -154,18 +155,24 @@ using namespace vorn::dict;
 extern "C" {
 
 void GENDICT_print(SL_list *dict) {
+    VORN_CHK(list(__func__, dict));
     PrintSink out;
     write_dict(dict, out);
 }
 
 void GENDICT_print_rdb(SL_list *dict, int32_t depth) {
+    VORN_CHK(list(__func__, dict));
     RdbForm form{depth};
     walk_tree(dict, form);
 }
 
-void RDBDICT_print(SL_list *dict) { GENDICT_print_rdb(dict, 0); }
+void RDBDICT_print(SL_list *dict) {
+    VORN_CHK(list(__func__, dict));
+    GENDICT_print_rdb(dict, 0);
+}
 
 void GENDICT_to_buf(SL_list *dict, char **buf, int32_t *length) {
+    VORN_CHK(list(__func__, dict));
     CountSink count;
     write_dict(dict, count);
     char *block = count.bytes < INT32_MAX ? static_cast<char *>(std::malloc(count.bytes + 1)) : nullptr;
@@ -181,6 +188,9 @@ void GENDICT_to_buf(SL_list *dict, char **buf, int32_t *length) {
     *length = static_cast<int32_t>(count.bytes + 1);
 }
 
-void RDBDICT_to_buf(SL_list *dict, char **buf, int32_t *length) { GENDICT_to_buf(dict, buf, length); }
+void RDBDICT_to_buf(SL_list *dict, char **buf, int32_t *length) {
+    VORN_CHK(list(__func__, dict));
+    GENDICT_to_buf(dict, buf, length);
+}
 
 }  // extern "C"

@@ -9,6 +9,7 @@
 #include <type_traits>
 
 #include "base_binding.hpp"
+#include "checked.hpp"
 #include "dict_core.hpp"
 #include "vorn_gendict.h"
 
@@ -107,6 +108,7 @@ void release_tree(SL_list *d) {
         }
         free_shell(e);
     }
+    VORN_CHK(dies(__func__, d));
     vorn::free_record(d);
 }
 
@@ -119,6 +121,7 @@ extern "C" {
 SL_list *GENDICT_create(void) { return SL_create(); }
 
 void GENDICT_add(SL_list *dict, const char *key, GENDICT_value value) {
+    VORN_CHK(list(__func__, dict));
     GENDICT_value own = owned_copy(value);  // before anything old is freed
     if (GENDICT_item *e = find_entry(dict, key))
         replace_value(e, own);  // the key copy that stands is byte for byte the same
@@ -127,6 +130,7 @@ void GENDICT_add(SL_list *dict, const char *key, GENDICT_value value) {
 }
 
 int32_t GENDICT_get(SL_list *dict, const char *key, GENDICT_value *out) {
+    VORN_CHK(list(__func__, dict));
     GENDICT_item *e = find_entry(dict, key);
     if (!e) return 0;
     *out = e->value;
@@ -153,6 +157,7 @@ int32_t GENDICT_get_int_val(GENDICT_value value, int32_t *out) {
 }
 
 void GENDICT_delete_item(SL_list *dict, const char *key) {
+    VORN_CHK(list(__func__, dict));
     GENDICT_item *e = find_entry(dict, key);
     if (!e) return;
     SL_remove_item(dict, e);
@@ -160,6 +165,7 @@ void GENDICT_delete_item(SL_list *dict, const char *key) {
 }
 
 SL_list *GENDICT_copy(SL_list *dict) {
+    VORN_CHK(list(__func__, dict));
     Copier copier;
     SL_list *copy = SL_create();
     copier.targets.push(copy);
@@ -169,6 +175,7 @@ SL_list *GENDICT_copy(SL_list *dict) {
 
 void GENDICT_release(SL_list **handle) {
     if (!*handle) return;
+    VORN_CHK(list(__func__, *handle));
     release_tree(*handle);
     *handle = nullptr;
 }

@@ -612,6 +612,25 @@ void hsh_around(const char *op, const HSH_table *t, const void *key) {
     check_run(op, t, start);
 }
 
+// ---- GB ----
+
+void gb_slow(const char *op, const GB_list *l, bool items) {
+    if (!l) fail(CHK_GB_RECORD, op, "the record is null");
+    if (l->item_size <= 0 || l->capacity < 0 ||
+        (l->capacity > 0 && (l->count < 0 || l->count > l->capacity || !l->data)))
+        fail(CHK_GB_RECORD, op, "record %p holds item size %d, count %d, capacity %d and block %p",
+             static_cast<const void *>(l), l->item_size, l->count, l->capacity, l->data);
+    if (items && l->capacity == 0 && l->count != 0)
+        fail(CHK_GB_NO_BLOCK, op, "record %p holds no block but count %d", static_cast<const void *>(l), l->count);
+}
+
+void gb_pair(const char *op, const GB_list *l, const GB_list *other, bool distinct) {
+    if (distinct && l == other) fail(CHK_GB_PAIR, op, "record %p is given twice", static_cast<const void *>(l));
+    if (l->item_size != other->item_size)
+        fail(CHK_GB_PAIR, op, "record %p holds item size %d, record %p item size %d", static_cast<const void *>(l),
+             l->item_size, static_cast<const void *>(other), other->item_size);
+}
+
 }  // namespace vorn::checked
 
 #endif  // VORN_CHECKED

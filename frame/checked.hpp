@@ -13,6 +13,7 @@
 #include "vorn_checked.h"
 #include "vorn_da.h"
 #include "vorn_el.h"
+#include "vorn_gb.h"
 #include "vorn_gl.h"
 #include "vorn_gt.h"
 #include "vorn_hsh.h"
@@ -145,6 +146,19 @@ inline void hsh(const char *op, const HSH_table *t) {
         hsh_slow(op, t);
 }
 void hsh_around(const char *op, const HSH_table *t, const void *key);
+
+// ---- GB (records of the caller: no liveness is tracked) ----
+// The record's sanity; with `items`, a record without a block must show
+// count 0, as the item operations expect.
+void gb_slow(const char *op, const GB_list *l, bool items);
+inline void gb(const char *op, const GB_list *l, bool items = false) {
+    if (!l || l->item_size <= 0 || l->capacity < 0 ||
+        (l->capacity > 0 ? l->count < 0 || l->count > l->capacity || !l->data : items && l->count != 0))
+        gb_slow(op, l, items);
+}
+// Two records of one operation: the same item size and, when `distinct`,
+// not one record twice.
+void gb_pair(const char *op, const GB_list *l, const GB_list *other, bool distinct);
 
 }  // namespace vorn::checked
 

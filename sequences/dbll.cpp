@@ -7,6 +7,8 @@
 #include <cmath>
 #include <cstring>
 
+#include "checked.hpp"
+
 namespace {
 
 constexpr uint16_t kSize = sizeof(double);
@@ -29,50 +31,109 @@ extern "C" {
 // ---- the EL operations under a second name ----
 
 EL_node *DBLL_advance(EL_list *list, EL_node *pos, int32_t steps) { return EL_advance(list, pos, steps); }
-EL_list *DBLL_copy(EL_list *list) { return EL_total_copy(list); }
+EL_list *DBLL_copy(EL_list *list) {
+    VORN_CHK(list(__func__, list));
+    return EL_total_copy(list);
+}
 EL_list *DBLL_copy_inbetween(EL_list *list, EL_node *from, EL_node *to) {
+    VORN_CHK(list(__func__, list));
+    VORN_CHK(list_range(__func__, list, from, to));
     return EL_total_copy_inbetween(list, from, to);
 }
-void DBLL_make_empty(EL_list *list) { EL_make_empty(list); }
-int32_t DBLL_next_position(EL_iter *iter, EL_node **pos_out) { return EL_next_position(iter, pos_out); }
-void DBLL_release(EL_list **handle) { EL_release(handle); }
-int32_t DBLL_remove_at_index(EL_list *list, int32_t index) { return EL_remove_at_index(list, index); }
-void DBLL_remove_double(EL_list *list, EL_node *pos) { EL_remove_item(list, pos); }
-void DBLL_reset_closed(EL_list *list) { EL_reset_closed(list); }
-void DBLL_reverse(EL_list *list) { EL_reverse(list); }
-void DBLL_roll(EL_list *list, EL_node *pos) { EL_roll(list, pos); }
-void DBLL_set_closed(EL_list *list) { EL_set_closed(list); }
-int32_t DBLL_size(EL_list *list) { return EL_count_items(list); }
+void DBLL_make_empty(EL_list *list) {
+    VORN_CHK(list(__func__, list));
+    EL_make_empty(list);
+}
+int32_t DBLL_next_position(EL_iter *iter, EL_node **pos_out) {
+    VORN_CHK(walk(__func__, iter->next));
+    return EL_next_position(iter, pos_out);
+}
+void DBLL_release(EL_list **handle) {
+    if (*handle) VORN_CHK(live(__func__, *handle));
+    EL_release(handle);
+}
+int32_t DBLL_remove_at_index(EL_list *list, int32_t index) {
+    VORN_CHK(list(__func__, list));
+    return EL_remove_at_index(list, index);
+}
+void DBLL_remove_double(EL_list *list, EL_node *pos) {
+    VORN_CHK(list_pos(__func__, list, pos));
+    EL_remove_item(list, pos);
+}
+void DBLL_reset_closed(EL_list *list) {
+    VORN_CHK(list(__func__, list));
+    EL_reset_closed(list);
+}
+void DBLL_reverse(EL_list *list) {
+    VORN_CHK(list(__func__, list));
+    EL_reverse(list);
+}
+void DBLL_roll(EL_list *list, EL_node *pos) {
+    VORN_CHK(list(__func__, list));
+    EL_roll(list, pos);
+}
+void DBLL_set_closed(EL_list *list) {
+    VORN_CHK(list(__func__, list));
+    EL_set_closed(list);
+}
+int32_t DBLL_size(EL_list *list) {
+    VORN_CHK(list(__func__, list));
+    return EL_count_items(list);
+}
 int32_t DBLL_size_inbetween(EL_list *list, EL_node *from, EL_node *to) {
+    VORN_CHK(list_range(__func__, list, from, to));
     return EL_count_items_inbetween(list, from, to);
 }
 
 // ---- EL operations taking a double by value ----
 
 EL_list *DBLL_create(void) { return EL_create(kSize); }
-EL_node *DBLL_add_double(EL_list *list, double value) { return EL_append_after_last(list, &value); }
+EL_node *DBLL_add_double(EL_list *list, double value) {
+    VORN_CHK(list(__func__, list));
+    return EL_append_after_last(list, &value);
+}
 EL_node *DBLL_insert_after(EL_list *list, EL_node *pos, double value) {
+    VORN_CHK(list_pos(__func__, list, pos));
     return EL_insert_after(list, pos, &value);
 }
 EL_node *DBLL_insert_before(EL_list *list, EL_node *pos, double value) {
+    VORN_CHK(list_pos(__func__, list, pos));
     return EL_insert_before(list, pos, &value);
 }
 EL_node *DBLL_insert_after_index(EL_list *list, int32_t index, double value) {
+    VORN_CHK(list(__func__, list));
     return EL_insert_after_index(list, index, &value);
 }
 EL_node *DBLL_insert_before_index(EL_list *list, int32_t index, double value) {
+    VORN_CHK(list(__func__, list));
     return EL_insert_before_index(list, index, &value);
 }
-void DBLL_replace_double(EL_node *pos, double value) { EL_replace_item(pos, &value, kSize); }
+void DBLL_replace_double(EL_node *pos, double value) {
+    VORN_CHK(on_a_list(__func__, pos));
+    EL_replace_item(pos, &value, kSize);
+}
 void DBLL_replace_doubles_inbetween(EL_list *list, EL_node *from, EL_node *to, EL_list *source) {
+    VORN_CHK(list(__func__, list));
+    VORN_CHK(list(__func__, source));
+    VORN_CHK(list_range(__func__, list, from, to));
     EL_replace_items_inbetween(list, from, to, source, kSize);
 }
-EL_iter DBLL_all_doubles(EL_list *list) { return EL_all_items(list); }
-EL_iter DBLL_all_doubles_reversed(EL_list *list) { return EL_all_items_reversed(list); }
+EL_iter DBLL_all_doubles(EL_list *list) {
+    VORN_CHK(list(__func__, list));
+    return EL_all_items(list);
+}
+EL_iter DBLL_all_doubles_reversed(EL_list *list) {
+    VORN_CHK(list(__func__, list));
+    return EL_all_items_reversed(list);
+}
 EL_iter DBLL_all_doubles_inbetween(EL_list *list, EL_node *from, EL_node *to) {
+    VORN_CHK(list(__func__, list));
+    VORN_CHK(list_range(__func__, list, from, to));
     return EL_all_items_inbetween(list, from, to, 1);
 }
 EL_iter DBLL_all_doubles_inbetween_reversed(EL_list *list, EL_node *from, EL_node *to) {
+    VORN_CHK(list(__func__, list));
+    VORN_CHK(list_range(__func__, list, from, to));
     return EL_all_items_inbetween(list, from, to, 0);
 }
 
@@ -85,19 +146,31 @@ EL_list *DBLL_create_with_two(double begin_value, double end_value) {
     return list;
 }
 
-int32_t DBLL_is_empty(EL_list *list) { return !list->first && !list->last; }
+int32_t DBLL_is_empty(EL_list *list) {
+    VORN_CHK(list(__func__, list));
+    return !list->first && !list->last;
+}
 
-double DBLL_begin_value(EL_list *list) { return list->first ? value_at(list->first) : 0.0; }
-double DBLL_end_value(EL_list *list) { return list->last ? value_at(list->last) : 0.0; }
+double DBLL_begin_value(EL_list *list) {
+    VORN_CHK(list(__func__, list));
+    return list->first ? value_at(list->first) : 0.0;
+}
+double DBLL_end_value(EL_list *list) {
+    VORN_CHK(list(__func__, list));
+    return list->last ? value_at(list->last) : 0.0;
+}
 
 void DBLL_set_begin_value(EL_list *list, double value) {
+    VORN_CHK(list(__func__, list));
     if (list->first) store_at(list->first, value);
 }
 void DBLL_set_end_value(EL_list *list, double value) {
+    VORN_CHK(list(__func__, list));
     if (list->last) store_at(list->last, value);
 }
 
 int32_t DBLL_next_double(EL_iter *iter, double *value) {
+    VORN_CHK(walk(__func__, iter->next));
     EL_node *pos;
     if (!EL_next_position(iter, &pos)) return 0;
     *value = value_at(pos);
@@ -105,10 +178,12 @@ int32_t DBLL_next_double(EL_iter *iter, double *value) {
 }
 
 int32_t DBLL_check(EL_list *list) {
+    VORN_CHK(list(__func__, list));
     return list->count * static_cast<int32_t>(sizeof(EL_node) + kSize);
 }
 
 void DBLL_add_to_all(EL_list *list, double delta) {
+    VORN_CHK(list(__func__, list));
     EL_iter it = EL_all_items(list);
     EL_node *n;
     while (EL_next_position(&it, &n)) store_at(n, value_at(n) + delta);
@@ -118,6 +193,7 @@ void DBLL_add_to_all(EL_list *list, double delta) {
 // makes no exchange.  Only a strictly greater left value moves, so the sort
 // ends with NaNs present too: every exchange removes one inversion.
 void DBLL_sort(EL_list *list) {
+    VORN_CHK(list(__func__, list));
     if (!list->first || list->first == list->last) return;
     for (int32_t exchanges = 1; exchanges > 0;) {
         exchanges = 0;
@@ -133,6 +209,7 @@ void DBLL_sort(EL_list *list) {
 }
 
 int32_t DBLL_add_double_unique(EL_list *list, double value, double tolerance) {
+    VORN_CHK(list(__func__, list));
     EL_node *n;
     const bool backward = list->count > 8 && distance(value, value_at(list->first)) >
                                                  distance(value, value_at(list->last));
@@ -163,6 +240,7 @@ int32_t DBLL_add_double_unique(EL_list *list, double value, double tolerance) {
 
 int32_t DBLL_find_index_of_nearest(EL_list *list, double value, double tolerance,
                                    double *distance_out) {
+    VORN_CHK(list(__func__, list));
     double best = tolerance * 2.0;
     int32_t found = -1, index = 0;
     EL_iter it = EL_all_items(list);
@@ -182,6 +260,7 @@ int32_t DBLL_find_index_of_nearest(EL_list *list, double value, double tolerance
 // ahead of `candidate`, so candidate (or kept) may be removed behind it; last
 // is never removed, so the walk stays valid.
 void DBLL_remove_double_occ(EL_list *list, double tolerance) {
+    VORN_CHK(list(__func__, list));
     DBLL_sort(list);
     EL_iter it = EL_all_items(list);
     EL_node *first, *kept, *candidate, *following;

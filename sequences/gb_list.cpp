@@ -11,6 +11,7 @@
 #include <type_traits>
 
 #include "base_binding.hpp"
+#include "checked.hpp"
 
 static_assert(std::is_standard_layout_v<GB_list> && std::is_trivially_copyable_v<GB_list>);
 static_assert(offsetof(GB_list, data) == 0 && offsetof(GB_list, item_size) == sizeof(void *));
@@ -91,82 +92,121 @@ extern "C" {
 
 void GB_init(GB_list *list, int32_t item_size, int32_t initial_capacity) {
     init(list, item_size, initial_capacity);
+    VORN_CHK(gb(__func__, list));
 }
 
 void GB_copy(GB_list *dest, GB_list *src) {
+    VORN_CHK(gb(__func__, src));
     const int32_t n = held(src);
     init(dest, src->item_size, n);
     dest->count = n;
     dest->inc = src->inc;
     dest->closed = src->closed;
     copy_items(dest, 0, src, 0, n);
+    VORN_CHK(gb(__func__, dest));
 }
 
 void GB_copy_into(GB_list *dest, GB_list *src) {
+    VORN_CHK(gb(__func__, dest));
+    VORN_CHK(gb(__func__, src));
+    VORN_CHK(gb_pair(__func__, dest, src, false));
     const int32_t n = held(src);
     set_capacity(dest, n);
     if (dest->capacity < n) resize_block(dest, n);  // only a dest holding no block
     dest->count = n;
     dest->closed = src->closed;
     copy_items(dest, 0, src, 0, n);
+    VORN_CHK(gb(__func__, dest));
 }
 
 void GB_release(GB_list *list) {
+    VORN_CHK(gb(__func__, list));
     if (list->capacity > 0) MM_dealloc_item(list->data, bytes(list, list->capacity));
     list->capacity = 0;
 }
 
-void GB_make_empty(GB_list *list) { list->count = 0; }
+void GB_make_empty(GB_list *list) {
+    VORN_CHK(gb(__func__, list));
+    list->count = 0;
+}
 
-int32_t GB_count_items(GB_list *list) { return list->count; }
+int32_t GB_count_items(GB_list *list) {
+    VORN_CHK(gb(__func__, list));
+    return list->count;
+}
 
-void GB_set_inc(GB_list *list, int16_t inc) { list->inc = inc; }
+void GB_set_inc(GB_list *list, int16_t inc) {
+    VORN_CHK(gb(__func__, list));
+    list->inc = inc;
+}
 
-void GB_set_number_of_elements(GB_list *list, int32_t n) { set_capacity(list, n); }
+void GB_set_number_of_elements(GB_list *list, int32_t n) {
+    VORN_CHK(gb(__func__, list));
+    set_capacity(list, n);
+    VORN_CHK(gb(__func__, list));
+}
 
 int32_t GB_append_after_last(GB_list *list, const void *item) {
+    VORN_CHK(gb(__func__, list, true));
     grow_if_full(list);
     const int32_t at = list->count++;
     vorn::copy_bytes(slot(list, at), item, bytes(list, 1));
+    VORN_CHK(gb(__func__, list));
     return at;
 }
 
 void GB_insert_item(GB_list *list, int32_t index, const void *item) {
+    VORN_CHK(gb(__func__, list, true));
     if (index < 0 || index > list->count) return;
     grow_if_full(list);
     copy_items(list, index + 1, list, index, list->count - index);
     vorn::copy_bytes(slot(list, index), item, bytes(list, 1));
     ++list->count;
+    VORN_CHK(gb(__func__, list));
 }
 
 void GB_replace_item(GB_list *list, int32_t index, const void *item) {
+    VORN_CHK(gb(__func__, list, true));
     if (index < 0 || index >= list->count) return;
     vorn::copy_bytes(slot(list, index), item, bytes(list, 1));
+    VORN_CHK(gb(__func__, list));
 }
 
 void GB_remove_item(GB_list *list, int32_t index) {
+    VORN_CHK(gb(__func__, list, true));
     if (index < 0 || index >= list->count) return;
     copy_items(list, index, list, index + 1, list->count - index - 1);
     --list->count;
+    VORN_CHK(gb(__func__, list));
 }
 
 void GB_remove_last_item(GB_list *list) {
+    VORN_CHK(gb(__func__, list, true));
     if (list->count > 0) --list->count;
+    VORN_CHK(gb(__func__, list));
 }
 
 int32_t GB_append_block(GB_list *list, GB_list *other) {
+    VORN_CHK(gb(__func__, list, true));
+    VORN_CHK(gb(__func__, other));
+    VORN_CHK(gb_pair(__func__, list, other, true));
     const int32_t before = list->count;
     const int32_t n = held(other);
     if (list->capacity < before + n) resize_block(list, before + n);
     copy_items(list, before, other, 0, n);
     list->count = before + n;
     GB_release(other);
+    VORN_CHK(gb(__func__, list));
     return before;
 }
 
-int32_t GB_get_index(GB_list *, int32_t index) { return index; }
+int32_t GB_get_index([[maybe_unused]] GB_list *list, int32_t index) {
+    VORN_CHK(gb(__func__, list));
+    return index;
+}
 
 int32_t GB_advance(GB_list *list, int32_t index, int32_t delta) {
+    VORN_CHK(gb(__func__, list));
     const int64_t count = list->count;
     if (count <= 0) return -1;
     int64_t to = int64_t{index} + delta;  // no overflow on the way
@@ -177,6 +217,7 @@ int32_t GB_advance(GB_list *list, int32_t index, int32_t delta) {
 }
 
 void GB_reverse(GB_list *list) {
+    VORN_CHK(gb(__func__, list, true));
     const int32_t half = list->count / 2;
     if (half == 0) return;
     Scratch tmp(list, 1);
@@ -188,13 +229,21 @@ void GB_reverse(GB_list *list) {
         std::memcpy(a, b, one);
         std::memcpy(b, tmp.p, one);
     }
+    VORN_CHK(gb(__func__, list));
 }
 
-void GB_set_closed(GB_list *list) { list->closed = 1; }
+void GB_set_closed(GB_list *list) {
+    VORN_CHK(gb(__func__, list));
+    list->closed = 1;
+}
 
-void GB_reset_closed(GB_list *list) { list->closed = 0; }
+void GB_reset_closed(GB_list *list) {
+    VORN_CHK(gb(__func__, list));
+    list->closed = 0;
+}
 
 void GB_roll(GB_list *list, int32_t n) {
+    VORN_CHK(gb(__func__, list, true));
     const int32_t count = list->count;
     if (!list->closed || count < 2) return;
     // The rotation to the right, in 0 to count - 1.
@@ -215,9 +264,11 @@ void GB_roll(GB_list *list, int32_t n) {
         std::memmove(base, slot(list, k), bytes(list, s));
         std::memcpy(slot(list, s), tmp.p, bytes(list, k));
     }
+    VORN_CHK(gb(__func__, list));
 }
 
 void GB_make_open_at_position(GB_list *list, int32_t index) {
+    VORN_CHK(gb(__func__, list, true));
     if (index < 0 || index >= list->count || !list->closed) return;
     grow_if_full(list);
     const int32_t count = list->count;
@@ -228,9 +279,11 @@ void GB_make_open_at_position(GB_list *list, int32_t index) {
     std::memcpy(slot(list, count - index), tmp.p, bytes(list, index + 1));
     list->count = count + 1;
     list->closed = 0;
+    VORN_CHK(gb(__func__, list));
 }
 
 void GB_remove_and_get_end_part(GB_list *dest, GB_list *list, int32_t index) {
+    VORN_CHK(gb(__func__, list, true));
     if (index < 0 || index >= list->count || list->closed) return;
     const int32_t n = list->count - index;
     init(dest, list->item_size, n);
@@ -239,6 +292,7 @@ void GB_remove_and_get_end_part(GB_list *dest, GB_list *list, int32_t index) {
     dest->closed = list->closed;
     copy_items(dest, 0, list, index, n);
     list->count = index + 1;
+    VORN_CHK(gb(__func__, list));
 }
 
 }  // extern "C"

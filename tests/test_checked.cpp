@@ -11,6 +11,11 @@
 
 #include "support.hpp"
 #include "vorn_checked.h"
+#include "vorn_dbll.h"
+#include "vorn_es.h"
+#include "vorn_gb.h"
+#include "vorn_rdbdict.h"
+#include "vorn_sa.h"
 
 namespace {
 
@@ -38,8 +43,12 @@ struct Scene {
     GT_node *t[7];
     DA_array *da = DA_create(4, 4);
     HSH_table *hsh = HSH_create(8, 0);
+    GB_list gb, gb8;
+    SL_list *dict = GENDICT_create();
 
     Scene() {
+        GB_init(&gb, 4, 2), GB_init(&gb8, 8, 1);
+        GB_append_after_last(&gb, values);
         for (int i = 0; i < 3; ++i) g[i] = GL_append_after_last(gl, &values[i]);
         GL_append_after_last(other, &values[3]);
         for (int i = 0; i < 2; ++i) e[i] = EL_append_after_last(el, &values[i]);
@@ -56,6 +65,7 @@ struct Scene {
         GL_release(&gl), GL_release(&other), EL_release(&el);
         SL_remove_item(sl, &rec[0]);
         SL_release(&sl), SL_release(&sl2), GT_release(&gt), DA_release(da), HSH_release(&hsh);
+        GB_release(&gb), GB_release(&gb8), GENDICT_release(&dict);
     }
 };
 
@@ -115,6 +125,27 @@ const std::vector<Case> &cases() {
          [](Scene &s) { DA_delete(s.da, 2, 2); }},
         {"CHK_INDEX_RANGE", "DA_get_item", "index -1 is negative",
          [](Scene &s) { DA_get_item(s.da, -1); }},  // the header's inline form is off
+        {"CHK_HANDLE_NOT_LIVE", "SA_add_number", "is not a live DA array",
+         [](Scene &s) { SA_add_number(reinterpret_cast<DA_array *>(s.hsh), 1); }},
+        {"CHK_HANDLE_RELEASED", "RDBDICT_get_topic", "SL list 0x",
+         [](Scene &) { SL_list *d = RDBDICT_create(), *copy = d; RDBDICT_release(&d); RDBDICT_get_topic(copy, "t"); }},
+        {"CHK_HANDLE_RELEASED", "GENDICT_to_buf", "SL list 0x",
+         [](Scene &) { SL_list *d = GENDICT_create(), *copy = d; GENDICT_release(&d); char *b; int32_t n; GENDICT_to_buf(copy, &b, &n); }},
+        {"CHK_HANDLE_NOT_LIVE", "GENDICT_add", "is not a live SL list",
+         [](Scene &s) { GENDICT_add(reinterpret_cast<SL_list *>(s.el), "k", GENDICT_value{}); }},
+        {"CHK_HANDLE_RELEASED", "ES_pop", "EL list 0x",
+         [](Scene &) { EL_list *e = ES_create(4), *copy = e; ES_release(&e); int v; ES_pop(copy, &v); }},
+        {"CHK_POSITION_FOREIGN", "DBLL_insert_after", "is not in list",
+         [](Scene &s) { DBLL_insert_after(s.el, nullptr, 1.0); }},
+        {"CHK_GB_NO_BLOCK", "GB_append_after_last", "holds no block but count 1",
+         [](Scene &s) { GB_release(&s.gb); GB_append_after_last(&s.gb, s.values); },
+         [](Scene &s) { GB_make_empty(&s.gb); }},
+        {"CHK_GB_PAIR", "GB_append_block", "item size 4, record",
+         [](Scene &s) { GB_append_block(&s.gb, &s.gb8); }},
+        {"CHK_GB_PAIR", "GB_append_block", "is given twice",
+         [](Scene &s) { GB_append_block(&s.gb, &s.gb); }},
+        {"CHK_GB_PAIR", "GB_copy_into", "item size 8, record",
+         [](Scene &s) { GB_copy_into(&s.gb8, &s.gb); }},
         {"CHK_GT_WALK_DEAD", "GT_current_item", "was ended or used up",
          [](Scene &s) { GT_iter *w = GT_all_items(s.gt); void *item; GT_end_iterator(w); GT_current_item(w, &item); }},
         // broken invariants
@@ -136,6 +167,9 @@ const std::vector<Case> &cases() {
         {"CHK_HSH_PROBE", "HSH_set_value", "key 0x9 of table",  // 9 moved behind the empty slot 3
          [](Scene &s) { std::swap(s.hsh->keys[2], s.hsh->keys[4]); HSH_set_value(s.hsh, key(12), s.values); },
          [](Scene &s) { for (int i = 0; i < s.hsh->size; ++i) s.hsh->keys[i] = nullptr; s.hsh->count = 0; }},
+        {"CHK_GB_RECORD", "GB_remove_item", "count 3, capacity 2",
+         [](Scene &s) { s.gb.count = 3; GB_remove_item(&s.gb, 0); },
+         [](Scene &s) { s.gb.count = 1; }},
         {"CHK_DA_COUNT", "DA_append", "holds nitems 5, nalloc 4",
          [](Scene &s) { s.da->nitems = 5; DA_append(s.da, s.values, 1); },
          [](Scene &s) { s.da->nitems = 3; }},
