@@ -10,7 +10,8 @@
 // releasing thread's cache.  The shared level keeps free slots on their own
 // spans, so that a thread refills with neighbours in memory.  Blocks above
 // kMaxSmall bytes go to the system; those of 2 MiB and more are huge-page
-// mappings that resizing grows in place.
+// mappings that resizing grows in place, and released ones are kept, a few,
+// for the next large block.
 //
 // The counters are per thread (written by their owner only) and summed on
 // request; the failure injection is one process-wide countdown.
@@ -427,24 +428,126 @@ void *map_huge(size_t size) {
     return reinterpret_cast<void *>(aligned);
 }
 
+// Released mappings are kept for reuse, up to kKeepCount of them and
+// kKeepBytes in all, so that a container built, released and built again
+// touches no fresh page: a fault on a huge-page mapping may wait for the
+// kernel to compact memory.  A kept mapping may serve a smaller request, and
+// a growing block may be copied onto one, so a live mapping can be longer
+// than its block; the length of each is recorded.  The oldest kept
+// mapping goes back to the system first.
+constexpr int kKeepCount = 8;
+constexpr size_t kKeepBytes = size_t{128} << 20;
+
+struct Mappings {
+    std::mutex mutex;
+    std::unordered_map<void *, size_t> live;  // address -> mapped length
+    struct Kept {
+        void *at;
+        size_t length;
+    } kept[kKeepCount];
+    int nkept = 0;
+    size_t kept_bytes = 0;
+
+    // The smallest kept mapping of at least `length` bytes, taken out of the
+    // keep; {nullptr, 0} when none is that long.  Called under the mutex.
+    Kept take_kept(size_t length) {
+        int best = -1;
+        for (int i = 0; i < nkept; ++i)
+            if (kept[i].length >= length && (best < 0 || kept[i].length < kept[best].length)) best = i;
+        if (best < 0) return {nullptr, 0};
+        const Kept k = kept[best];
+        for (int i = best; i + 1 < nkept; ++i) kept[i] = kept[i + 1];
+        --nkept;
+        kept_bytes -= k.length;
+        return k;
+    }
+};
+
+Mappings &mappings() {
+    static Mappings *m = new Mappings;  // never destroyed: blocks may be released at exit
+    return *m;
+}
+
+void *take_huge(size_t size) {
+    const size_t need = mapped_length(size);
+    Mappings &m = mappings();
+    {
+        std::lock_guard<std::mutex> lock(m.mutex);
+        if (const Mappings::Kept k = m.take_kept(need); k.at) {
+            m.live[k.at] = k.length;
+            return k.at;
+        }
+    }
+    void *at = map_huge(size);
+    if (!at) return nullptr;
+    std::lock_guard<std::mutex> lock(m.mutex);
+    m.live[at] = need;
+    return at;
+}
+
+void give_huge(void *block) {
+    Mappings &m = mappings();
+    std::lock_guard<std::mutex> lock(m.mutex);
+    const auto it = m.live.find(block);
+    const size_t length = it->second;
+    m.live.erase(it);
+    if (length > kKeepBytes) {
+        munmap(block, length);
+        return;
+    }
+    while (m.nkept == kKeepCount || m.kept_bytes + length > kKeepBytes) {
+        munmap(m.kept[0].at, m.kept[0].length);
+        m.kept_bytes -= m.kept[0].length;
+        for (int i = 0; i + 1 < m.nkept; ++i) m.kept[i] = m.kept[i + 1];
+        --m.nkept;
+    }
+    m.kept[m.nkept++] = {block, length};
+    m.kept_bytes += length;
+}
+
+// A block that still fits its mapping stays, unless it shrinks to below half
+// of it: then the tail goes back; one that grows is copied onto a kept mapping long
+// enough, its own mapping joining the keep, or else grown by mremap, in
+// place where the address space allows.  (mremap moves only whole
+// mappings, so a block is never moved onto part of another.)
+void *resize_huge(void *block, size_t old_size, size_t new_size) {
+    const size_t need = mapped_length(new_size);
+    Mappings &m = mappings();
+    std::unique_lock<std::mutex> lock(m.mutex);
+    const size_t length = m.live.at(block);
+    void *moved = MAP_FAILED;
+    if (need <= length) {
+        if (new_size >= old_size || need * 2 >= length) return block;
+        moved = mremap(block, length, need, 0);
+    } else if (const Mappings::Kept k = m.take_kept(need); k.at) {
+        m.live[k.at] = k.length;
+        lock.unlock();
+        std::memcpy(k.at, block, old_size);
+        give_huge(block);
+        return k.at;
+    } else {
+        moved = mremap(block, length, need, MREMAP_MAYMOVE);
+    }
+    if (moved == MAP_FAILED) return nullptr;
+    m.live.erase(block);
+    m.live[moved] = need;
+    return moved;
+}
+
 [[maybe_unused]] void *take_large(size_t size) {
-    return size < kHugeMin ? std::malloc(size) : map_huge(size);
+    return size < kHugeMin ? std::malloc(size) : take_huge(size);
 }
 
 [[maybe_unused]] void give_large(void *block, size_t size) {
     if (size < kHugeMin)
         std::free(block);
     else
-        munmap(block, mapped_length(size));
+        give_huge(block);
 }
 
 [[maybe_unused]] void *resize_large(void *block, size_t old_size, size_t new_size) {
     if (old_size < kHugeMin && new_size < kHugeMin) return std::realloc(block, new_size);
-    if (old_size >= kHugeMin && new_size >= kHugeMin) {
-        void *moved =
-            mremap(block, mapped_length(old_size), mapped_length(new_size), MREMAP_MAYMOVE);
-        return moved == MAP_FAILED ? nullptr : moved;
-    }
+    if (old_size >= kHugeMin && new_size >= kHugeMin) return resize_huge(block, old_size, new_size);
     void *moved = take_large(new_size);
     if (moved) {
         std::memcpy(moved, block, old_size < new_size ? old_size : new_size);

@@ -85,8 +85,8 @@ inline void resume(benchmark::State &state) {
 }
 
 // Items per iteration, and the page faults that the timed regions took per
-// item (none on warmed memory; the stand-in's large blocks are mappings of
-// their own, which fault again after each release).
+// item (none on warmed memory: the stand-in keeps its released large
+// mappings, a few, for the next large block).
 inline void finish(benchmark::State &state, int64_t items) {
     state.SetItemsProcessed(state.iterations() * items);
     state.counters["faults_per_item"] =
