@@ -88,7 +88,7 @@ inline void run_da(R &rng) {
                 const int32_t at = static_cast<int32_t>(rng.below(m.nalloc + 6));
                 const bool by_put = rng.chance(50), zero = by_put && rng.chance(25);
                 if (by_put) DA_put_item(a, at, zero ? nullptr : src.data());
-                else std::memcpy(DA_get_item(a, at), src.data(), m.size);
+                else std::memcpy(at % 2 ? (DA_get_item)(a, at) : DA_get_item(a, at), src.data(), m.size);
                 m.grow(at + 1);
                 if (zero) std::fill_n(src.begin(), m.size, 0);
                 put(at, 1);

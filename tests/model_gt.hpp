@@ -164,7 +164,7 @@ struct Model {
     }
     void remove() {
         if (nodes.empty()) {
-            EXPECT_RAISES(GT_remove_first_item(t), "gentree", 1423, 4297);
+            EXPECT_RAISES(GT_remove_first_item(t), vorn::raises::GT_RAISE_REMOVE_FIRST_EMPTY);
             return;
         }
         GT_node *n = nodes[pick()];
@@ -178,7 +178,7 @@ struct Model {
                 static_cast<Item *>(n->item)->key = new_key();
                 const auto raised = vorn_test::catch_raise([&] { GT_remove_item(t, n); });
                 if (raised) {
-                    ASSERT_EQ(*raised, (vorn_test::Raised{"gentree", 477, 4297}));
+                    ASSERT_EQ(*raised, vorn_test::raise_of(vorn::raises::GT_RAISE_REMOVE_MISSED));
                     GT_remove_item_global(t, n);
                 }
                 removing(n);

@@ -150,7 +150,7 @@ inline void run(R &rng) {
             case 10:
                 if (n) {  // roll: a ring moves its seam; an open list only raises at first
                     auto raised = vorn_test::catch_raise([&] { EL_roll(l, ref[i].n); });
-                    ASSERT_EQ(vorn_test::describe(raised), !closed && i == 0 ? "egenlist line 987 code 4297" : "no raise");
+                    ASSERT_EQ(vorn_test::describe(raised), vorn_test::expected(!closed && i == 0, vorn::raises::EL_RAISE_ROLL_NO_PREV));
                     if (closed) std::rotate(ref.begin(), ref.begin() + i, ref.end());
                 }
                 break;
@@ -228,7 +228,7 @@ inline void run(R &rng) {
                     EL_list *src = fresh_list(len, made);
                     auto raised = vorn_test::catch_raise(
                         [&] { EL_replace_items_inbetween(l, ref[i].n, ref[j].n, src, kSize); });
-                    ASSERT_EQ(vorn_test::describe(raised), len < idx.size() ? "egenlist line 555 code 4297" : "no raise");
+                    ASSERT_EQ(vorn_test::describe(raised), vorn_test::expected(len < idx.size(), vorn::raises::EL_RAISE_REPLACE_SOURCE_SHORT));
                     for (size_t k = 0; k < idx.size() && k < len; ++k) ref[idx[k]].v = made[k].v;
                     ASSERT_EQ(src->count, static_cast<int32_t>(len));
                     EL_release(&src);
@@ -389,8 +389,7 @@ inline void run(R &rng) {
                 Rec *q = p && rng.chance(80) ? p : fresh;
                 if (!q) break;
                 const auto raised = vorn_test::catch_raise([&] { SL_roll(l, q); });
-                ASSERT_EQ(vorn_test::describe(raised),
-                          closed && !on_list(q) ? "sgenlist line 742 code 4297" : "no raise");
+                ASSERT_EQ(vorn_test::describe(raised), vorn_test::expected(closed && !on_list(q), vorn::raises::SL_RAISE_ROLL_OFF_RING));
                 if (closed && on_list(q)) std::rotate(ref.begin(), at(q), ref.end());
                 break;
             }
@@ -453,7 +452,7 @@ inline void run(R &rng) {
     if (rng.chance(12))  // an empty list (open or closed) at the end
         while (!ref.empty()) SL_remove_item(l, ref.back()), ref.pop_back();
     SL_list *held = l;
-    if (!ref.empty()) EXPECT_RAISES(SL_release(&held), "sgenlist", 74, 4297);
+    if (!ref.empty()) EXPECT_RAISES(SL_release(&held), vorn::raises::SL_RAISE_RELEASE_NOT_EMPTY);
     EXPECT_EQ(held, l);  // nothing freed, handle kept
     // A total copy (closed as the list is) holds what the callback gives,
     // in order; emptying hands every record to the callback once.

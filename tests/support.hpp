@@ -13,6 +13,7 @@
 #include <utility>
 #include <vector>
 
+#include "base_binding.hpp"
 #include "vorn_container.h"
 
 namespace vorn_test {
@@ -43,17 +44,22 @@ std::optional<Raised> catch_raise(F &&f) {
     return got;
 }
 
+// The raise of the table entry `s` (vorn::raises::ID), as the handler sees it.
+inline Raised raise_of(const vorn::RaiseSite &s) { return {s.file, s.line, s.code}; }
+
 inline std::string describe(const std::optional<Raised> &r) {
     if (!r) return "no raise";
     return r->file + " line " + std::to_string(r->line) + " code " + std::to_string(r->code);
 }
 
-// Expects `stmt` to raise exactly (file, line, code).
-#define EXPECT_RAISES(stmt, file_, line_, code_)                                         \
-    do {                                                                                 \
-        auto vorn_got_ = ::vorn_test::catch_raise([&] { stmt; });                        \
-        EXPECT_EQ(::vorn_test::describe(vorn_got_),                                      \
-                  ::vorn_test::describe(::vorn_test::Raised{file_, line_, code_}));      \
+// What describe() gives when `s` is raised exactly if `raises` holds.
+inline std::string expected(bool raises, const vorn::RaiseSite &s) { return raises ? describe(raise_of(s)) : "no raise"; }
+
+// Expects `stmt` to raise exactly the table entry `site_` (a vorn::RaiseSite).
+#define EXPECT_RAISES(stmt, site_)                                                                              \
+    do {                                                                                                        \
+        auto vorn_got_ = ::vorn_test::catch_raise([&] { stmt; });                                               \
+        EXPECT_EQ(::vorn_test::describe(vorn_got_), ::vorn_test::describe(::vorn_test::raise_of(site_)));      \
     } while (0)
 
 // Fixture: fails a test that leaves MM_ blocks behind or an injected failure

@@ -34,7 +34,7 @@ TEST(Base, CountersAndOneShotFailureInjection) {
 }
 
 TEST(Base, RaiseHandlerAndDefaultMessage) {
-    EXPECT_RAISES(EX_raise_exception_line("darray", 25, 4197), "darray", 25, 4197);
+    EXPECT_RAISES(EX_raise_exception_line("darray", 25, 4197), vorn::raises::DA_RAISE_CREATE_NO_MEMORY);
     EXPECT_DEATH(EX_raise_exception_line("plut", 85, 4397), "vorn_container: raised plut line 85 code 4397");
 }
 

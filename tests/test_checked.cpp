@@ -214,7 +214,7 @@ TEST(Checked, MembershipFollowsSplicesAndCuts) {
     GL_append_list(a, &b);
     for (GL_node *p : {pa, pb, pc}) EXPECT_EQ(catch_raise([&] { GL_move_before_first(a, p); }), std::nullopt);
     GL_list *fresh = GL_create();
-    EXPECT_RAISES(GL_remove_item(fresh, pb), VORN_CHECKED_FILE, foreign, VORN_CHECKED_MISUSE);
+    EXPECT_RAISES(GL_remove_item(fresh, pb), (vorn::RaiseSite{VORN_CHECKED_FILE, foreign, VORN_CHECKED_MISUSE}));
     GL_release(&fresh);
     GL_release(&a);
 
@@ -223,7 +223,7 @@ TEST(Checked, MembershipFollowsSplicesAndCuts) {
     for (int i = 0; i < 4; ++i) n[i] = EL_append_after_last(el, &i);
     EL_set_closed(el);
     EL_list *end = EL_remove_and_get_end_part(el, n[2]);
-    EXPECT_RAISES(EL_remove_item(el, n[3]), VORN_CHECKED_FILE, foreign, VORN_CHECKED_MISUSE);
+    EXPECT_RAISES(EL_remove_item(el, n[3]), (vorn::RaiseSite{VORN_CHECKED_FILE, foreign, VORN_CHECKED_MISUSE}));
     EXPECT_EQ(catch_raise([&] { EL_remove_item(end, n[3]); }), std::nullopt);
     EXPECT_EQ(catch_raise([&] { EL_get_index(el, n[1]); }), std::nullopt);
     EL_release(&end);

@@ -66,30 +66,30 @@ using GtFixed = GtTest;
 TEST_F(GtFixed, EachReachableLineRaisesWithItsState) {
     static Item zero{0};
     struct Case {
-        int32_t line;
+        vorn::RaiseSite site;
         bool unchanged;
         std::function<void(Fixed &)> act;
     };
     const std::vector<Case> cases = {
-        {477, true, [](Fixed &f) { GT_remove_item(f.t, Fixed(3).nodes[1]); }},  // another tree's
-        {541, true, [](Fixed &f) { GT_remove_item_global(f.t, Fixed(3).nodes[2]); }},
-        {562, true, [](Fixed &f) { GT_find_and_remove_item(f.t, &zero); }},
+        {vorn::raises::GT_RAISE_REMOVE_MISSED, true, [](Fixed &f) { GT_remove_item(f.t, Fixed(3).nodes[1]); }},  // another tree's
+        {vorn::raises::GT_RAISE_GLOBAL_MISSED, true, [](Fixed &f) { GT_remove_item_global(f.t, Fixed(3).nodes[2]); }},
+        {vorn::raises::GT_RAISE_FIND_AND_REMOVE_NO_ITEM, true, [](Fixed &f) { GT_find_and_remove_item(f.t, &zero); }},
         // the lookup of 7 compares with 4 and 6 honestly, the removal does not
-        {575, true, [](Fixed &f) { f.t->compare = turncoat, g_calls = 0, g_honest_calls = 2, GT_find_and_remove_item(f.t, f.items[6]); }},
-        {1177, false, [](Fixed &f) { f.t->root->balance = 5, GT_insert_item(f.t, &zero); }},
-        {1232, false, [](Fixed &f) { f.t->root->balance = -5, GT_insert_item(f.t, f.items[6]); }},
-        {1423, true, [](Fixed &f) { GT_make_empty(f.t), f.nodes.clear(), f.items.clear(), GT_remove_first_item(f.t); }},
-        {1724, true, [](Fixed &f) { f.t->first = f.t->root, GT_remove_first_item(f.t); }},
-        {892, true, [](Fixed &f) { GT_iter fake{nullptr, nullptr, f.t, nullptr, 0}; void *i; GT_next_item(&fake, &i); }},
-        {933, true, [](Fixed &f) { GT_iter fake{nullptr, nullptr, f.t, nullptr, 0}; GT_node *p; GT_next_position(&fake, &p); }},
-        {958, true, [](Fixed &f) { GT_iter fake{f.nodes[0], nullptr, f.t, nullptr, 0}; GT_end_iterator(&fake); }},
-        {1423, true, [](Fixed &) { GT_remove_first_item(nullptr); }},
-        {477, true, [](Fixed &f) { GT_remove_item(f.t, nullptr); }},
+        {vorn::raises::GT_RAISE_FIND_AND_REMOVE_MISSED, true, [](Fixed &f) { f.t->compare = turncoat, g_calls = 0, g_honest_calls = 2, GT_find_and_remove_item(f.t, f.items[6]); }},
+        {vorn::raises::GT_RAISE_LEFT_GREW_BAD_BALANCE, false, [](Fixed &f) { f.t->root->balance = 5, GT_insert_item(f.t, &zero); }},
+        {vorn::raises::GT_RAISE_RIGHT_GREW_BAD_BALANCE, false, [](Fixed &f) { f.t->root->balance = -5, GT_insert_item(f.t, f.items[6]); }},
+        {vorn::raises::GT_RAISE_REMOVE_FIRST_EMPTY, true, [](Fixed &f) { GT_make_empty(f.t), f.nodes.clear(), f.items.clear(), GT_remove_first_item(f.t); }},
+        {vorn::raises::GT_RAISE_REMOVE_HAS_LEFT, true, [](Fixed &f) { f.t->first = f.t->root, GT_remove_first_item(f.t); }},
+        {vorn::raises::GT_RAISE_STEP_NOT_REGISTERED, true, [](Fixed &f) { GT_iter fake{nullptr, nullptr, f.t, nullptr, 0}; void *i; GT_next_item(&fake, &i); }},
+        {vorn::raises::GT_RAISE_STEP_POSITION_NOT_REGISTERED, true, [](Fixed &f) { GT_iter fake{nullptr, nullptr, f.t, nullptr, 0}; GT_node *p; GT_next_position(&fake, &p); }},
+        {vorn::raises::GT_RAISE_END_NOT_REGISTERED, true, [](Fixed &f) { GT_iter fake{f.nodes[0], nullptr, f.t, nullptr, 0}; GT_end_iterator(&fake); }},
+        {vorn::raises::GT_RAISE_REMOVE_FIRST_EMPTY, true, [](Fixed &) { GT_remove_first_item(nullptr); }},
+        {vorn::raises::GT_RAISE_REMOVE_MISSED, true, [](Fixed &f) { GT_remove_item(f.t, nullptr); }},
     };
     for (const Case &c : cases) {
-        SCOPED_TRACE(c.line);
+        SCOPED_TRACE(c.site.line);
         Fixed f(7);
-        EXPECT_RAISES(c.act(f), "gentree", c.line, 4297);
+        EXPECT_RAISES(c.act(f), c.site);
         f.t->compare = by_key;
         f.store[0].key = 1;
         f.t->first = f.nodes.empty() ? nullptr : f.nodes[0];

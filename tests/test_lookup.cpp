@@ -117,30 +117,29 @@ struct Case {
 };
 
 intptr_t as_int(void *v) { return reinterpret_cast<intptr_t>(v); }
-Raised plut(int32_t line) { return {"plut", line, line == 85 ? 4297 : 4397}; }
 
 const std::vector<Case> &cases() {
     static const std::vector<Case> all = {
         // read tables
         {"read: first add 1, next 2", kRead, [](auto t) { io_lut_add(t, p(1)); return io_lut_add(t, p(2)); }, 2, {}},
-        {"read: get_id on a new table", kRead, [](auto t) { return io_lut_get_id(t, p(1)); }, 0, plut(201)},
-        {"read: get_ptr 0", kRead, [](auto t) { io_lut_add(t, p(1)); return as_int(io_lut_get_ptr(t, 0)); }, 0, plut(105)},
+        {"read: get_id on a new table", kRead, [](auto t) { return io_lut_get_id(t, p(1)); }, 0, vorn_test::raise_of(vorn::raises::IO_LUT_RAISE_READ_NO_ID)},
+        {"read: get_ptr 0", kRead, [](auto t) { io_lut_add(t, p(1)); return as_int(io_lut_get_ptr(t, 0)); }, 0, vorn_test::raise_of(vorn::raises::IO_LUT_RAISE_NO_POINTER)},
         {"read: look_ptr 0, -1, nitems", kRead,
          [](auto t) { io_lut_add(t, p(1)); return as_int(io_lut_look_ptr(t, 0)) | as_int(io_lut_look_ptr(t, -1)) | as_int(io_lut_look_ptr(t, 2)); },
          kNull, {}},
         {"read: get_ptr of a removed pointer", kRead,
-         [](auto t) { io_lut_add(t, p(1)); io_lut_add(t, p(2)); io_lut_remove(t, p(1)); return as_int(io_lut_get_ptr(t, 1)); }, 0, plut(105)},
+         [](auto t) { io_lut_add(t, p(1)); io_lut_add(t, p(2)); io_lut_remove(t, p(1)); return as_int(io_lut_get_ptr(t, 1)); }, 0, vorn_test::raise_of(vorn::raises::IO_LUT_RAISE_NO_POINTER)},
         {"read: set at 10 of 3 slots leaves holes 3 to 9", kRead,
          [](auto t) { io_lut_add(t, p(1)); io_lut_add(t, p(2)); io_lut_set(t, p(3), 10);
                       return intptr_t{t->pointers->nitems} * 100 + io_lut_look_id(t, nullptr); }, 1103, {}},
         {"read: a non-null pointer into a hole", kRead,
-         [](auto t) { io_lut_set(t, p(3), 10); io_lut_set(t, p(4), 5); return intptr_t{0}; }, 0, plut(85)},
+         [](auto t) { io_lut_set(t, p(3), 10); io_lut_set(t, p(4), 5); return intptr_t{0}; }, 0, vorn_test::raise_of(vorn::raises::IO_LUT_RAISE_SET_SLOT_TAKEN)},
         {"read: null into a hole", kRead, [](auto t) { io_lut_set(t, p(3), 10); io_lut_set(t, nullptr, 5); return io_lut_look_id(t, p(3)); }, 10, {}},
-        {"read: a different pointer over a slot", kRead, [](auto t) { io_lut_add(t, p(1)); io_lut_set(t, p(2), 1); return intptr_t{0}; }, 0, plut(85)},
+        {"read: a different pointer over a slot", kRead, [](auto t) { io_lut_add(t, p(1)); io_lut_set(t, p(2), 1); return intptr_t{0}; }, 0, vorn_test::raise_of(vorn::raises::IO_LUT_RAISE_SET_SLOT_TAKEN)},
         {"read: negative id changes nothing", kOverwrite, [](auto t) { io_lut_set(t, p(2), -4); return intptr_t{t->pointers->nitems}; }, 1, {}},
         {"read: get_id of null finds the first hole", kRead,
          [](auto t) { io_lut_add(t, p(1)); io_lut_add(t, nullptr); io_lut_add(t, nullptr); return io_lut_get_id(t, nullptr); }, 2, {}},
-        {"read: get_id of null without a hole", kRead, [](auto t) { io_lut_add(t, p(1)); return io_lut_get_id(t, nullptr); }, 0, plut(201)},
+        {"read: get_id of null without a hole", kRead, [](auto t) { io_lut_add(t, p(1)); return io_lut_get_id(t, nullptr); }, 0, vorn_test::raise_of(vorn::raises::IO_LUT_RAISE_READ_NO_ID)},
         {"read: two slots, the lower wins and goes first", kRead,
          [](auto t) { io_lut_add(t, p(1)); io_lut_add(t, p(1)); intptr_t low = io_lut_get_id(t, p(1));
                       io_lut_remove(t, p(1)); return low * 10 + io_lut_get_id(t, p(1)); }, 12, {}},
@@ -156,8 +155,8 @@ const std::vector<Case> &cases() {
          [](auto t) { io_lut_set(t, p(1), 10); io_lut_add(t, p(2)); io_lut_set(t, p(3), 3); return io_lut_add(t, p(4)) * 100 + io_lut_get_id(t, p(3)); }, 1203, {}},
         {"write: set of null stores nothing, next_id rises", kWrite,
          [](auto t) { io_lut_set(t, nullptr, 5); return t->identifiers->count * 100 + io_lut_add(t, p(1)); }, 6, {}},
-        {"write: get_id after a set at id 0", kWrite, [](auto t) { io_lut_set(t, p(1), 0); return io_lut_get_id(t, p(1)); }, 0, plut(210)},
-        {"write: get_id of an absent pointer", kWrite, [](auto t) { io_lut_add(t, p(1)); return io_lut_get_id(t, p(2)); }, 0, plut(210)},
+        {"write: get_id after a set at id 0", kWrite, [](auto t) { io_lut_set(t, p(1), 0); return io_lut_get_id(t, p(1)); }, 0, vorn_test::raise_of(vorn::raises::IO_LUT_RAISE_WRITE_NO_ID)},
+        {"write: get_id of an absent pointer", kWrite, [](auto t) { io_lut_add(t, p(1)); return io_lut_get_id(t, p(2)); }, 0, vorn_test::raise_of(vorn::raises::IO_LUT_RAISE_WRITE_NO_ID)},
         {"write: a second add replaces the identifier", kWrite, [](auto t) { io_lut_add(t, p(1)); io_lut_add(t, p(1)); return io_lut_get_id(t, p(1)); }, 2, {}},
         {"write: remove keeps next_id", kWrite,
          [](auto t) { io_lut_add(t, p(1)); io_lut_remove(t, p(1)); return io_lut_look_id(t, p(1)) * 10 + io_lut_add(t, p(1)); }, 2, {}},

@@ -14,17 +14,17 @@ int16_t g_r, g_g, g_b;
 
 TEST(ClutTable, EveryOperationButStatisticsNeedsTheTable) {
     clut_debug = 3;  // may be set before start-up
-    const std::pair<int, std::function<void()>> cases[] = {
-        {243, [] { CLUT_alloc(40); }},
-        {254, [] { CLUT_set(40, 1, 2, 3); }},
-        {254, [] { CLUT_set_RGB(40, 1.0f, 0.5f, 0.0f); }},
-        {277, [] { CLUT_new_index(); }},
-        {307, [] { CLUT_release_index(40); }},
-        {333, [] { CLUT_get(0, &g_r, &g_g, &g_b); }},
-        {351, [] { CLUT_getID(0, 0, 0); }},
-        {363, [] { CLUT_copy(3, 2); }},
+    const std::pair<vorn::RaiseSite, std::function<void()>> cases[] = {
+        {vorn::raises::CLUT_RAISE_ALLOC_NO_TABLE, [] { CLUT_alloc(40); }},
+        {vorn::raises::CLUT_RAISE_SET_NO_TABLE, [] { CLUT_set(40, 1, 2, 3); }},
+        {vorn::raises::CLUT_RAISE_SET_NO_TABLE, [] { CLUT_set_RGB(40, 1.0f, 0.5f, 0.0f); }},
+        {vorn::raises::CLUT_RAISE_NEW_INDEX_NO_TABLE, [] { CLUT_new_index(); }},
+        {vorn::raises::CLUT_RAISE_RELEASE_NO_TABLE, [] { CLUT_release_index(40); }},
+        {vorn::raises::CLUT_RAISE_GET_NO_TABLE, [] { CLUT_get(0, &g_r, &g_g, &g_b); }},
+        {vorn::raises::CLUT_RAISE_GET_ID_NO_TABLE, [] { CLUT_getID(0, 0, 0); }},
+        {vorn::raises::CLUT_RAISE_COPY_NO_TABLE, [] { CLUT_copy(3, 2); }},
     };
-    for (const auto &c : cases) EXPECT_RAISES(c.second(), "rgblut", c.first, 4297);
+    for (const auto &c : cases) EXPECT_RAISES(c.second(), c.first);
     EXPECT_EQ(statistics(), statistics_text(0, 0, 0, 0, 0));
     EXPECT_EQ(GE_GREEN, 0);
     clut_debug = 0;
@@ -35,12 +35,12 @@ TEST(ClutTable, EveryOperationButStatisticsNeedsTheTable) {
 }
 
 // One step on a table of 64 entries (34 named, 30 free), with the outcome:
-// the raise line (0: none), the result where the operation has one, and the
+// the raise (none: {}), the result where the operation has one, and the
 // figures of CLUT_statistics afterwards.
 struct Step {
     const char *what;
     std::function<int32_t()> op;
-    int line;
+    vorn::RaiseSite raise;
     int32_t result;
     int first_free, hard, dynamic;
 };
@@ -54,41 +54,41 @@ TEST(ClutTable, IndexStatesFollowTheirTransitions) {
     const auto fresh = [] { return CLUT_new_index(); };
     const auto get = [](int32_t i) { return [i] { return CLUT_get(i, &g_r, &g_g, &g_b); }; };
     const Step steps[] = {
-        {"alloc free, window open", alloc(40), 0, 0, 34, 35, 0},
-        {"alloc hard", alloc(40), 245, 0, 34, 35, 0},
-        {"alloc beyond the table", alloc(64), 245, 0, 34, 35, 0},
-        {"set free makes it hard", set(41), 0, 0, 34, 36, 0},
-        {"release hard", release(41), 309, 0, 34, 36, 0},
-        {"set beyond", set(64), 256, 0, 34, 36, 0},
-        {"copy to free", copy(42, 2), 366, 0, 34, 36, 0},
-        {"copy from negative", copy(2, -3), 365, 0, 34, 36, 0},
-        {"copy hard to hard", copy(41, 19), 0, 0, 34, 36, 0},
-        {"first new index", fresh, 0, 34, 35, 36, 1},
-        {"alloc after new index", alloc(42), 244, 0, 35, 36, 1},
-        {"alloc hard, window shut", alloc(2), 244, 0, 35, 36, 1},
-        {"set free, window shut", set(42), 244, 0, 35, 36, 1},
-        {"set dynamic stays dynamic", set(34), 0, 0, 35, 36, 1},
-        {"copy into dynamic", copy(34, 19), 0, 0, 35, 36, 1},
-        {"lowest free", fresh, 0, 35, 36, 36, 2},
-        {"", fresh, 0, 36, 37, 36, 3},
-        {"", fresh, 0, 37, 38, 36, 4},
-        {"", fresh, 0, 38, 39, 36, 5},
-        {"", fresh, 0, 39, 40, 36, 6},
-        {"skips the hard 40 and 41", fresh, 0, 42, 43, 36, 7},
-        {"release dynamic", release(35), 0, 0, 35, 36, 6},
-        {"release it twice", release(35), 309, 0, 35, 36, 6},
-        {"release higher keeps cursor", release(38), 0, 0, 35, 36, 5},
-        {"lowest free first", fresh, 0, 35, 36, 36, 6},
-        {"then the next free", fresh, 0, 38, 39, 36, 7},
-        {"release GE_GREEN: nothing", release(21), 0, 0, 39, 36, 7},
-        {"release free", release(50), 309, 0, 39, 36, 7},
-        {"get beyond", get(64), 0, 0, 39, 36, 7},
-        {"get free", get(50), 0, 1, 39, 36, 7},
+        {"alloc free, window open", alloc(40), {}, 0, 34, 35, 0},
+        {"alloc hard", alloc(40), vorn::raises::CLUT_RAISE_ALLOC_NOT_FREE, 0, 34, 35, 0},
+        {"alloc beyond the table", alloc(64), vorn::raises::CLUT_RAISE_ALLOC_NOT_FREE, 0, 34, 35, 0},
+        {"set free makes it hard", set(41), {}, 0, 34, 36, 0},
+        {"release hard", release(41), vorn::raises::CLUT_RAISE_RELEASE_NOT_DYNAMIC, 0, 34, 36, 0},
+        {"set beyond", set(64), vorn::raises::CLUT_RAISE_SET_OUTSIDE, 0, 34, 36, 0},
+        {"copy to free", copy(42, 2), vorn::raises::CLUT_RAISE_COPY_FREE, 0, 34, 36, 0},
+        {"copy from negative", copy(2, -3), vorn::raises::CLUT_RAISE_COPY_OUTSIDE, 0, 34, 36, 0},
+        {"copy hard to hard", copy(41, 19), {}, 0, 34, 36, 0},
+        {"first new index", fresh, {}, 34, 35, 36, 1},
+        {"alloc after new index", alloc(42), vorn::raises::CLUT_RAISE_ALLOC_HARD_CLOSED, 0, 35, 36, 1},
+        {"alloc hard, window shut", alloc(2), vorn::raises::CLUT_RAISE_ALLOC_HARD_CLOSED, 0, 35, 36, 1},
+        {"set free, window shut", set(42), vorn::raises::CLUT_RAISE_ALLOC_HARD_CLOSED, 0, 35, 36, 1},
+        {"set dynamic stays dynamic", set(34), {}, 0, 35, 36, 1},
+        {"copy into dynamic", copy(34, 19), {}, 0, 35, 36, 1},
+        {"lowest free", fresh, {}, 35, 36, 36, 2},
+        {"", fresh, {}, 36, 37, 36, 3},
+        {"", fresh, {}, 37, 38, 36, 4},
+        {"", fresh, {}, 38, 39, 36, 5},
+        {"", fresh, {}, 39, 40, 36, 6},
+        {"skips the hard 40 and 41", fresh, {}, 42, 43, 36, 7},
+        {"release dynamic", release(35), {}, 0, 35, 36, 6},
+        {"release it twice", release(35), vorn::raises::CLUT_RAISE_RELEASE_NOT_DYNAMIC, 0, 35, 36, 6},
+        {"release higher keeps cursor", release(38), {}, 0, 35, 36, 5},
+        {"lowest free first", fresh, {}, 35, 36, 36, 6},
+        {"then the next free", fresh, {}, 38, 39, 36, 7},
+        {"release GE_GREEN: nothing", release(21), {}, 0, 39, 36, 7},
+        {"release free", release(50), vorn::raises::CLUT_RAISE_RELEASE_NOT_DYNAMIC, 0, 39, 36, 7},
+        {"get beyond", get(64), {}, 0, 39, 36, 7},
+        {"get free", get(50), {}, 1, 39, 36, 7},
     };
     for (const Step &s : steps) {
         int32_t result = 0;
         const auto raised = vorn_test::catch_raise([&] { result = s.op(); });
-        EXPECT_EQ(vorn_test::describe(raised), s.line ? "rgblut line " + std::to_string(s.line) + " code 4297" : "no raise")
+        EXPECT_EQ(vorn_test::describe(raised), vorn_test::expected(s.raise.line != 0, s.raise))
             << s.what;
         EXPECT_EQ(result, s.result) << s.what;
         EXPECT_EQ(statistics(), statistics_text(64, s.first_free, 64 - s.hard - s.dynamic, s.hard, s.dynamic)) << s.what;
