@@ -2,6 +2,7 @@
 // checked mode, resizes across the size classes and the system colours.
 // (Blocks freed on other threads: test_threads.cpp.)
 #include <algorithm>
+#include <vector>
 
 #include "support.hpp"
 
@@ -75,6 +76,42 @@ TEST(BaseBlocks, ResizeAcrossClassesAndTheLargeLimitsKeepsContent) {
     }
     EXPECT_EQ(MM_blocks_in_use(), blocks);
     EXPECT_EQ(MM_bytes_in_use(), bytes);
+}
+
+// Several large blocks at once, taken, resized both ways and released in a
+// random order, so that released mappings are kept and serve later blocks
+// and growths: every block keeps its bytes (checked at its start, middle and
+// end), whatever mapping it sits on.
+TEST(BaseBlocks, LargeBlocksKeepTheirBytesThroughReusedMappings) {
+    struct Block { unsigned char *p; size_t n; unsigned char tag; };
+    const auto intact = [](const Block &b, size_t n) {
+        return b.p[0] == b.tag && b.p[n / 2] == b.tag && b.p[n - 1] == b.tag;
+    };
+    const auto mark = [](Block &b) { b.p[0] = b.p[b.n / 2] = b.p[b.n - 1] = b.tag; };
+    vorn_test::Rng rng(7);
+    std::vector<Block> live;
+    for (int step = 0; step < 600; ++step) {
+        const size_t n = (size_t{1} << 20) + rng.next() % (size_t{12} << 20);
+        const uint64_t op = live.size() >= 6 ? 2 : rng.next() % 3;
+        if (op == 0 || live.empty()) {
+            live.push_back({static_cast<unsigned char *>(MM_alloc_item(n)), n, static_cast<unsigned char>(step)});
+            mark(live.back());
+            continue;
+        }
+        Block &b = live[rng.next() % live.size()];
+        ASSERT_TRUE(intact(b, b.n)) << step;
+        if (op == 1) {
+            b.p = static_cast<unsigned char *>(MM_realloc_item(b.p, b.n, n));
+            ASSERT_TRUE(b.p[0] == b.tag && (n < b.n || b.p[b.n - 1] == b.tag)) << step;
+            b.n = n;
+            mark(b);
+        } else {
+            MM_dealloc_item(b.p, b.n);
+            b = live.back();
+            live.pop_back();
+        }
+    }
+    for (const Block &b : live) MM_dealloc_item(b.p, b.n);
 }
 
 }  // namespace
