@@ -5,9 +5,6 @@
 // an input.
 #pragma once
 
-#include <cstdio>
-#include <cstdlib>
-
 #include "support.hpp"
 
 namespace vorn_fuzz {

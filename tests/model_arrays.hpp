@@ -5,11 +5,6 @@
 // items of a sequence edited by insert, delete, reverse and roll.
 #pragma once
 
-#include <algorithm>
-#include <cstring>
-#include <set>
-#include <vector>
-
 #include "support.hpp"
 
 namespace arrays_model {

@@ -7,11 +7,6 @@
 // the raw input as a text).
 #pragma once
 
-#include <cmath>
-#include <cstdlib>
-#include <cstring>
-#include <string>
-
 #include "support.hpp"
 
 namespace dict_model {

@@ -6,13 +6,6 @@
 // vorn_test::Bytes under libFuzzer); the tests and the fuzzer share it.
 #pragma once
 
-#include <algorithm>
-#include <cmath>
-#include <cstdio>
-#include <deque>
-#include <string>
-#include <vector>
-
 #include "support.hpp"
 
 namespace gt_model {

@@ -3,7 +3,8 @@
 // under libFuzzer), so that the tests and the fuzzers run the same models
 // and checks:
 //   el_model  EL against a vector of (node, value): open lists and rings,
-//             cuts, openings, copies, ranges and walks through every step;
+//             cuts, openings, copies, ranges, walks through every step and
+//             the ES stack forms;
 //   sl_model  SL against the order of caller records, open and closed, with
 //             its walks, raises, copies and release callbacks;
 //   gl_model  GL against a vector of nodes: walks, splicing, copies, ownership;
@@ -12,12 +13,6 @@
 // the ring rule, count, values).  Every call a driver makes is legal or
 // raises as documented, and the raise is caught and compared.
 #pragma once
-
-#include <algorithm>
-#include <cstring>
-#include <new>
-#include <string>
-#include <vector>
 
 #include "support.hpp"
 
@@ -87,7 +82,8 @@ inline Values stepped(EL_iter it, Step step, int32_t *last) {
 
 template <class R>
 inline void run(R &rng) {
-    EL_list *l = EL_create(kSize);
+    const bool stack = rng.chance(50);  // the ES forms work on any EL list
+    EL_list *l = stack ? ES_create(kSize) : EL_create(kSize);
     Ref ref;
     bool closed = false;
     int32_t fresh = 0;
@@ -106,8 +102,8 @@ inline void run(R &rng) {
         const Elem e = elem(v);
         const size_t n = ref.size();
         const size_t i = n ? pick() : 0, j = n ? pick() : 0;
-        switch (rng.below(22)) {
-            case 0: ref.push_back({EL_append_after_last(l, &e), v}); break;
+        switch (rng.below(23)) {
+            case 0: ref.push_back({stack ? ES_push(l, &e) : EL_append_after_last(l, &e), v}); break;
             case 1: ref.insert(ref.begin(), {EL_insert_before_first(l, &e), v}); break;
             case 2:
                 if (n) ref.insert(ref.begin() + i + 1, {EL_insert_after(l, ref[i].n, &e), v});
@@ -236,7 +232,7 @@ inline void run(R &rng) {
                 break;
             case 18:
                 if (rng.chance(10)) {
-                    EL_make_empty(l);
+                    stack ? ES_make_empty(l) : EL_make_empty(l);
                     ref.clear();
                     closed = false;
                 }
@@ -271,11 +267,20 @@ inline void run(R &rng) {
             case 21:
                 if (n) EL_replace_item(ref[i].n, &e, kSize), ref[i].v = v;
                 break;
+            case 22: {  // the top is the last item; an empty stack leaves the buffer alone
+                Elem top = elem(-1);
+                const bool pop = rng.chance(50);
+                ASSERT_EQ(pop ? ES_pop(l, &top) : ES_inspect_top(l, &top), n ? 1 : 0);
+                ASSERT_EQ(value_of(top.b), n ? ref.back().v : -1);
+                if (pop && n) ref.pop_back();
+                break;
+            }
         }
+        ASSERT_EQ((std::pair{ES_count_items(l), ES_is_empty(l)}), (std::pair{int32_t(ref.size()), ref.empty() ? 1 : 0}));
         expect_list(l, ref, closed);
         if (::testing::Test::HasFatalFailure()) return;
     }
-    EL_release(&l);
+    stack ? ES_release(&l) : EL_release(&l);
     EXPECT_EQ(l, nullptr);
 }
 

@@ -7,12 +7,6 @@
 // as a reference slot and map say, and looks at both in the stated order.
 #pragma once
 
-#include <algorithm>
-#include <cstdint>
-#include <iterator>
-#include <map>
-#include <vector>
-
 #include "support.hpp"
 
 namespace lookup_model {

@@ -1,14 +1,26 @@
-// What the tests share: catching raises as C++ exceptions, a fixture that
-// checks every MM_ block taken during a test is given back, and Tprintf capture.
+// What the tests share: the standard headers they use, catching raises as
+// C++ exceptions, a fixture that checks every MM_ block taken during a test
+// is given back, Tprintf capture, and the model drivers' sources of choices.
 #pragma once
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cmath>
 #include <cstdarg>
 #include <cstdint>
 #include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <deque>
+#include <functional>
+#include <iterator>
+#include <limits>
+#include <map>
+#include <new>
 #include <optional>
 #include <random>
+#include <set>
 #include <string>
 #include <utility>
 #include <vector>

@@ -1,10 +1,6 @@
 // The arrays: DA against a byte-exact model of the whole block, the walk
 // against the present count, and the copy between item sizes; SA's number
 // sets against a marked sequence.
-#include <algorithm>
-#include <cstring>
-#include <set>
-#include <vector>
 
 #include "model_arrays.hpp"
 

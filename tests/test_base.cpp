@@ -1,8 +1,6 @@
 // The base services: counters, failure injection, the raise path, the
 // checked mode, resizes across the size classes and the system colours.
 // (Blocks freed on other threads: test_threads.cpp.)
-#include <algorithm>
-#include <vector>
 
 #include "support.hpp"
 

@@ -5,17 +5,8 @@
 // the checked library unchanged and must not trip any check.
 #if defined(VORN_CHECKED)
 
-#include <functional>
-#include <map>
-#include <set>
-
 #include "support.hpp"
 #include "vorn_checked.h"
-#include "vorn_dbll.h"
-#include "vorn_es.h"
-#include "vorn_gb.h"
-#include "vorn_rdbdict.h"
-#include "vorn_sa.h"
 
 namespace {
 

@@ -3,11 +3,6 @@
 // for byte, the reader's outcome table, a round-trip property on random
 // dictionaries, corrupted texts, and nesting deeper than a native stack
 // could recurse.
-#include <cmath>
-#include <cstdlib>
-#include <cstring>
-#include <string>
-#include <vector>
 
 #if __has_include(<pthread.h>)
 #include <pthread.h>

@@ -3,14 +3,6 @@
 // and are checked against the correction rules after every operation; the
 // balance and chain checker; the failure lines; the printout and leak report
 // texts; the total operations and the iterator choices the model leaves out.
-#include <algorithm>
-#include <cmath>
-#include <cstdio>
-#include <deque>
-#include <functional>
-#include <new>
-#include <string>
-#include <vector>
 
 #include "model_gt.hpp"
 

@@ -1,9 +1,6 @@
 // The header's inline DA append gives the same results as the exported
 // call and leaves the arrays alike, also on a failed growth.  (The inline
 // reads are compared with the exported ones inside the DA and HSH models.)
-#include <cstring>
-#include <string>
-#include <utility>
 
 #include "support.hpp"
 

@@ -2,12 +2,6 @@
 // then what the drivers leave out: EL's edges that cannot crash, GL's walk
 // corrections and null arguments, the ES stack, and DBLL's own logic as one
 // table (the rest of DBLL forwards to EL).
-#include <algorithm>
-#include <cmath>
-#include <cstring>
-#include <limits>
-#include <string>
-#include <vector>
 
 #include "model_lists.hpp"
 
@@ -69,7 +63,6 @@ TEST_F(GlModel, WalkCorrectionsOpeningsAndNullArguments) {
     for (GL_list **h : {&keep, &l, &l}) GL_release(h);  // a null handle too
 }
 
-
 // Choices that cannot crash: an empty ring stays a ring, a null handle or
 // range start does nothing, and a range towards a position that is not on
 // the ring stops once the ring is empty instead of following a freed node.
@@ -92,24 +85,6 @@ TEST_F(ElModel, EdgesThatCannotCrash) {
     EL_release(&other);
     EL_release(&l);
     EL_release(&l);  // a handle holding null is left alone
-}
-
-TEST_F(ElModel, StackIsLastInFirstOut) {
-    EL_list *s = ES_create(sizeof(int32_t));
-    int32_t buf = -1;
-    EXPECT_EQ(ES_pop(s, &buf) + ES_inspect_top(s, &buf), 0);
-    EXPECT_EQ(buf, -1);  // the buffer is left alone
-    for (int32_t i = 0; i < 5; ++i) EXPECT_EQ(ES_push(s, &i), s->last);
-    EXPECT_EQ(ES_inspect_top(s, &buf), 1);
-    EXPECT_EQ(buf, 4);
-    for (int32_t i = 4; i >= 0; --i) {
-        EXPECT_EQ(ES_pop(s, &buf), 1);
-        EXPECT_EQ(buf, i);
-    }
-    EXPECT_EQ(ES_is_empty(s), 1);
-    ES_push(s, &buf);
-    ES_release(&s);
-    EXPECT_EQ(s, nullptr);
 }
 
 // ---- DBLL: the unique insertion, the nearest search, the sort and the

@@ -3,13 +3,6 @@
 // leaves, and the growth and shrink sizes; io_lut's identifier rules and
 // failure lines as one table of cases; vorn_lu against a reference slot and
 // map.
-#include <algorithm>
-#include <cstdint>
-#include <functional>
-#include <iterator>
-#include <map>
-#include <optional>
-#include <vector>
 
 #include "model_lookup.hpp"
 

@@ -5,11 +5,6 @@
 // old block to the caller; DA_copy_into frees its block first), and after
 // cleanup no block is left.  DA_reverse and DA_roll stay out: their
 // temporaries are documented as untested.
-#include <algorithm>
-#include <cstring>
-#include <functional>
-#include <string>
-#include <vector>
 
 #include "support.hpp"
 

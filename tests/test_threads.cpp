@@ -4,11 +4,8 @@
 // to where they were once every thread is done.  (The tree's working state
 // and the colour table are process-wide and stay out.)
 #include <atomic>
-#include <cstring>
 #include <mutex>
-#include <string>
 #include <thread>
-#include <vector>
 
 #include "model_arrays.hpp"
 #include "model_dict.hpp"

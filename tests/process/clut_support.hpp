@@ -3,10 +3,6 @@
 // own, since the table starts once per process.
 #pragma once
 
-#include <cstdio>
-#include <string>
-#include <vector>
-
 #include "support.hpp"
 
 #if defined(_WIN32)

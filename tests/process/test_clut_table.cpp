@@ -1,8 +1,5 @@
 // The colour table's operations: the states of an index, the cursor, the
 // overflow, the messages of each clut_debug level and the failure lines.
-#include <cmath>
-#include <functional>
-#include <limits>
 
 #include "clut_support.hpp"
 
