@@ -97,6 +97,8 @@ inline void run(R &rng) {
         }
         return x;
     };
+    Ref spare;
+    EL_list *stranger = fresh_list(1, spare);  // its item lies on no list of the run
     while (rng.more()) {
         const int32_t v = ++fresh;
         const Elem e = elem(v);
@@ -130,15 +132,24 @@ inline void run(R &rng) {
                 if (hit) ref.erase(ref.begin() + k);
                 break;
             }
-            case 8:
-                if (n) {
-                    auto idx = vorn_test::walk_order(n, i, j, true, closed);
-                    ASSERT_EQ(EL_count_items_inbetween(l, ref[i].n, ref[j].n), static_cast<int32_t>(idx.size()));
-                    EL_remove_items_inbetween(l, ref[i].n, ref[j].n);
-                    std::sort(idx.rbegin(), idx.rend());
-                    for (size_t k : idx) ref.erase(ref.begin() + k);
+            case 8: {  // from null: nothing; towards a stranger: to the end, or the whole ring
+                const bool foreign = !n || rng.chance(10);
+                EL_node *to = foreign ? stranger->first : ref[j].n;
+                if (!n || rng.chance(10)) {
+                    ASSERT_EQ(EL_count_items_inbetween(l, nullptr, to), 0);
+                    EL_replace_items_inbetween(l, nullptr, to, stranger, kSize);  // no raise either
+                    EL_remove_items_inbetween(l, nullptr, to);
+                    break;
                 }
+                auto idx = vorn_test::walk_order(n, i, foreign ? (i + n - 1) % n : j, true, closed);
+                if (!foreign) {
+                    ASSERT_EQ(EL_count_items_inbetween(l, ref[i].n, to), static_cast<int32_t>(idx.size()));
+                }
+                EL_remove_items_inbetween(l, ref[i].n, to);
+                std::sort(idx.rbegin(), idx.rend());
+                for (size_t k : idx) ref.erase(ref.begin() + k);
                 break;
+            }
             case 9:
                 closed = !closed;
                 closed ? EL_set_closed(l) : EL_reset_closed(l);
@@ -280,8 +291,10 @@ inline void run(R &rng) {
         expect_list(l, ref, closed);
         if (::testing::Test::HasFatalFailure()) return;
     }
+    EL_release(&stranger);
     stack ? ES_release(&l) : EL_release(&l);
     EXPECT_EQ(l, nullptr);
+    EL_release(&l);  // a handle holding null is left alone
 }
 
 }  // namespace el_model

@@ -2,7 +2,7 @@
 // choices (vorn_test::Rng under GoogleTest, vorn_test::Bytes under
 // libFuzzer): HSH keeps every invariant of its record and arrays (the probe
 // run rule: no empty slot between a key's home and its place; the limits;
-// growth and shrink in time) and the contents of a reference map under keys
+// growth and shrink exactly at the limits) and the contents of a reference map under keys
 // that collide on purpose; vorn_lu keeps each entry in its slot or its table
 // as a reference slot and map say, and looks at both in the stated order.
 #pragma once
@@ -71,13 +71,16 @@ struct Seen {
 template <class R>
 inline void run_hsh(R &rng, uint32_t min, int32_t shift, Seen &seen) {
     HSH_table *t = HSH_create(min, shift);
+    int32_t min_size = 8;  // the minimum rounded up to a power of two, at least 8
+    while (min_size < int64_t{min}) min_size *= 2;
+    ASSERT_EQ((std::vector<int32_t>{t->min_size, t->size, t->wanted_shift}), (std::vector<int32_t>{min_size, min_size, shift}));
     std::map<void *, void *> ref;
     for (int op = 0; rng.more(); ++op) {
         const bool filling = (op / 500) % 2 == 0;
         void *k = pick_key(rng, t->shift);
         void *v = word(rng.below(5));  // 0 occurs as a stored value
         const uint32_t what = rng.below(100);
-        const int32_t before = t->size;
+        const int32_t before = t->size, count = t->count, high = t->high_limit, low = t->low_limit;
         if (what < (filling ? 55u : 20u)) {
             ASSERT_EQ(HSH_set_value(t, k, v), k ? v : nullptr);
             if (k) ref[k] = v;
@@ -92,18 +95,26 @@ inline void run_hsh(R &rng, uint32_t min, int32_t shift, Seen &seen) {
             for (void *got : {(HSH_get_value)(t, k), HSH_get_value(t, k)}) ASSERT_EQ(got, ref.count(k) ? ref[k] : nullptr);
         }
         check_invariants(t);
+        // A new key doubles the table at the high limit; a removal halves it below the low limit.
+        ASSERT_EQ(t->size, t->count > count && count >= high ? 2 * before : t->count < low ? before / 2 : before);
         seen.shrinks += t->size < before;
         seen.largest = std::max<int64_t>(seen.largest, t->size);
         for (uint32_t s = 0; s < 4; ++s) seen.wrapped += t->keys[s] && home(t, t->keys[s]) > s;
     }
     std::map<void *, void *> walked;
-    HSH_iter it = HSH_all_entries(t);
+    HSH_iter it = HSH_all_entries(t), again = it;
     void *k, *v;
     while (HSH_next(&it, &k, &v)) ASSERT_TRUE(walked.emplace(k, v).second);
     ASSERT_EQ(walked, ref);
+    k = v = word(77);
     ASSERT_EQ(HSH_next(&it, &k, &v), 0);
+    ASSERT_EQ((std::pair{k, v}), (std::pair{word(77), word(77)}));  // an ended walk leaves them alone
+    size_t n = 0;
+    while (HSH_next(&again, nullptr, nullptr)) ++n;  // null out arguments are allowed
+    ASSERT_EQ(n, ref.size());
     HSH_release(&t);
     ASSERT_EQ(t, nullptr);
+    HSH_release(&t);  // a handle holding null is left alone
 }
 
 // ---- vorn_lu: where each entry lives (slot or table) after each operation,

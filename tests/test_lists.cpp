@@ -1,7 +1,7 @@
 // The list families: each model driver (model_lists.hpp) for many seeds,
-// then what the drivers leave out: EL's edges that cannot crash, GL's walk
-// corrections and null arguments, the ES stack, and DBLL's own logic as one
-// table (the rest of DBLL forwards to EL).
+// then what the drivers leave out: GL's walk corrections and null
+// arguments, and DBLL's own logic as one table (the rest of DBLL forwards to
+// EL).
 
 #include "model_lists.hpp"
 
@@ -61,30 +61,6 @@ TEST_F(GlModel, WalkCorrectionsOpeningsAndNullArguments) {
     GL_append_list_in_front(l, nullptr);
     EXPECT_NE(keep, nullptr);  // survives
     for (GL_list **h : {&keep, &l, &l}) GL_release(h);  // a null handle too
-}
-
-// Choices that cannot crash: an empty ring stays a ring, a null handle or
-// range start does nothing, and a range towards a position that is not on
-// the ring stops once the ring is empty instead of following a freed node.
-TEST_F(ElModel, EdgesThatCannotCrash) {
-    EL_list *l = EL_create(1);
-    EL_set_closed(l);
-    EL_node *p = EL_insert_before_first(l, "a");
-    EL_remove_item(l, p);
-    EXPECT_EQ(l->closed, 1);
-    p = EL_append_after_last(l, "b");
-    EXPECT_EQ(p->next, p);
-    EL_append_after_last(l, "c");
-    EL_list *other = EL_create(1);
-    EL_append_after_last(other, "z");
-    EL_replace_items_inbetween(l, nullptr, l->last, other, 1);  // empty range: nothing, no raise
-    EXPECT_EQ(l->first->item[0], 'b');
-    EL_remove_items_inbetween(l, l->last, other->first);
-    EXPECT_EQ(l->count, 0);
-    EXPECT_EQ(l->first, nullptr);
-    EL_release(&other);
-    EL_release(&l);
-    EL_release(&l);  // a handle holding null is left alone
 }
 
 // ---- DBLL: the unique insertion, the nearest search, the sort and the
