@@ -1,7 +1,7 @@
 // The arrays against models, each driver a template over its source of
 // choices (vorn_test::Rng under GoogleTest, vorn_test::Bytes under
 // libFuzzer): DA against a byte-exact model of its whole block (items,
-// stale bytes, zeroes, the growth rule), SA's number sets against the marked
+// stale bytes, zeroes, the growth rule, copies), SA's number sets against the marked
 // items of a sequence edited by insert, delete, reverse and roll.
 #pragma once
 
@@ -54,8 +54,8 @@ inline void run_da(R &rng) {
         for (auto &c : src) c = static_cast<unsigned char>(rng.below(256));
         auto put = [&](int32_t at, int32_t n) { std::copy_n(src.data(), n * m.size, m.at(at)); };
         switch (rng.below(13)) {
-            case 0: case 1:
-                DA_append(a, src.data(), count);
+            case 0: case 1:  // the header's inline form (where it has one) and the exported call alike
+                i % 2 ? DA_append(a, src.data(), count) : (DA_append)(a, src.data(), count);
                 m.grow(m.nitems + count);
                 put(m.nitems, count);
                 m.nitems += count;
@@ -115,8 +115,15 @@ inline void run_da(R &rng) {
                 DA_append(d, src.data(), 4);
                 DA_copy_into(d, a);
                 expect_model(d, copied(m, 7));
-                DA_release(c);
-                DA_release(d);
+                DA_copy_into(c, c);  // the same array twice ends empty, its block freed first
+                ASSERT_TRUE(DA_nitems(c) == 0 && DA_data(c) == nullptr);
+                DA_array *other = DA_create(m.size + 1, 4);  // another item size: a raise, nothing changed
+                DA_append(other, src.data(), 1);
+                EXPECT_RAISES(DA_copy_into(other, a), vorn::raises::DA_RAISE_COPY_INTO_SIZES_DIFFER);
+                ASSERT_EQ(std::pair(DA_nitems(other), DA_nalloc(other)), std::pair(1, 4));
+                DA_reset(other);
+                ASSERT_EQ(DA_equal(other, c), 0);  // both empty, item sizes differ
+                for (DA_array *x : {c, d, other}) DA_release(x);
                 break;
             }
             default:

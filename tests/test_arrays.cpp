@@ -1,6 +1,6 @@
-// The arrays: DA against a byte-exact model of the whole block, the walk
-// against the present count, and the copy between item sizes; SA's number
-// sets against a marked sequence.
+// The arrays: DA against a byte-exact model of the whole block (copies
+// between item sizes too), the walk against the present count; SA's number
+// sets against a marked sequence.  Allocation failures: test_oom.cpp.
 
 #include "model_arrays.hpp"
 
@@ -60,22 +60,6 @@ TEST_F(DaModel, WalksFollowIndicesAgainstThePresentCount) {
         EXPECT_EQ(item, nullptr) << c.name;
         DA_release(a);
     }
-}
-
-// Allocation failures: test_oom.cpp.  A copy between item sizes raises and
-// changes nothing; a copy into itself empties the array.
-TEST_F(DaModel, CopyIntoAnotherItemSizeOrItself) {
-    DA_array *src = tens(6), *bytes = DA_create(1, 4), *other = DA_create(2, 4);
-    DA_append(bytes, "ab", 2);
-    EXPECT_RAISES(DA_copy_into(bytes, src), vorn::raises::DA_RAISE_COPY_INTO_SIZES_DIFFER);
-    EXPECT_STREQ(DA_string(bytes), "ab");  // untouched
-    EXPECT_EQ(DA_nalloc(bytes), 4);
-    DA_reset(bytes);
-    EXPECT_EQ(DA_equal(other, bytes), 0);  // item sizes differ, both empty
-    DA_copy_into(src, src);  // emptied before the source is read
-    EXPECT_EQ(DA_nitems(src), 0);
-    EXPECT_EQ(DA_data(src), nullptr);
-    for (DA_array *a : {src, bytes, other}) DA_release(a);
 }
 
 class SaModel : public vorn_test::LeakChecked {};

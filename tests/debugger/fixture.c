@@ -42,12 +42,6 @@ static int32_t compare_words(void *a, void *b)
 
 void fixture_ready(void) {}
 
-/* Typed values, built in place. */
-#define INT(n) ((GENDICT_value){.kind = GENDICT_INT, .data.integer = (n)})
-#define REAL(x) ((GENDICT_value){.kind = GENDICT_DOUBLE, .data.real = (x)})
-#define TEXT(t) ((GENDICT_value){.kind = GENDICT_STRING, .data.text = (t)})
-#define DICT(d) ((GENDICT_value){.kind = GENDICT_DICT, .data.dict = (d)})
-
 static void build_lists(void)
 {
     gl_empty = GL_create();
@@ -123,24 +117,15 @@ static void build_lookups(void)
     io_lut_remove(lut_read, objects[1]);
 }
 
+/* The dictionaries come from their text form, entries in order. */
 static void build_dictionaries(void)
 {
-    SL_list *sub = GENDICT_create();
-    dict = GENDICT_create();
-    rdb = RDBDICT_create();
-    GENDICT_add(sub, "depth", INT(2));
-    GENDICT_add(sub, "label", TEXT("inner"));
-    GENDICT_add(dict, "count", INT(3));
-    GENDICT_add(dict, "ratio", REAL(0.5));
-    GENDICT_add(dict, "name", TEXT("outer"));
-    GENDICT_add(dict, "nested", DICT(sub));
-    GENDICT_add(dict, "empty", DICT(GENDICT_create()));
-    RDBDICT_add(rdb, "page", "width", INT(210));
-    RDBDICT_add(rdb, "page", "unit", TEXT("mm"));
-    RDBDICT_add(rdb, "grid", "step", REAL(2.5));
-    value_int = INT(-4);
-    value_text = TEXT("text");
-    value_dict = DICT(dict);
+    dict = GENDICT_from_buf("DICT{[count]=3 [ratio]=0.5 [name]=\"outer\" "
+                            "[nested]=DICT{[depth]=2 [label]=\"inner\"} [empty]=DICT{}}");
+    rdb = RDBDICT_from_buf("DICT{[page]=DICT{[width]=210 [unit]=\"mm\"} [grid]=DICT{[step]=2.5 }}");
+    value_int = (GENDICT_value){.kind = GENDICT_INT, .data.integer = -4};
+    value_text = (GENDICT_value){.kind = GENDICT_STRING, .data.text = "text"};
+    value_dict = (GENDICT_value){.kind = GENDICT_DICT, .data.dict = dict};
     entry = (GENDICT_item *)dict->last;
 }
 
