@@ -1,6 +1,6 @@
-# Installs the built tree into a scratch prefix and builds a host program out
-# of tree against the installed copy, once through find_package and once
-# through pkg-config, and runs both.
+# Installs the built tree into a scratch prefix and builds a host program (the
+# GL example) out of tree against the installed copy, once through
+# find_package and once through pkg-config, and runs both.
 #   cmake -DBUILD_DIR= -DWORK_DIR= -DSOURCE_DIR= -DGENERATOR= -DC_COMPILER=
 #         -DC_FLAGS= [-DTOOLCHAIN=] [-DEMULATOR=] [-DEXE_SUFFIX=] -DPKG_CONFIG= [-DSONAME=]
 #         -P consumer_test.cmake
@@ -67,6 +67,6 @@ if(NOT EXE_SUFFIX)
   set(run_path "-Wl,-rpath,${pc_libdir}")
 endif()
 run("building the host with pkg-config"
-  ${C_COMPILER} ${c_flags} -std=c99 ${SOURCE_DIR}/host.c ${pc_flags} ${run_path} -o ${host})
+  ${C_COMPILER} ${c_flags} -std=c99 ${SOURCE_DIR}/../../examples/gl_walk.c ${pc_flags} ${run_path} -o ${host})
 run("running the host built with pkg-config" ${EMULATOR} ${host})
 message(STATUS "pkg-config: ${run_output}")
