@@ -20,8 +20,12 @@ constexpr int kThreads = 4;
 
 // One thread's share: the models of EL, DA, HSH and the dictionaries' text
 // form (none of them uses process-wide state), each against its reference.
+// The raise handler is process-wide: the throwing one is in place for the
+// whole test, so a model that catches an expected raise on one thread never
+// puts back "no handler" while another thread waits for its own raise.
 TEST(Threads, ContainersOfDifferentThreadsAtTheSameTime) {
     const int64_t blocks = MM_blocks_in_use();
+    const EX_raise_handler before = EX_set_raise_handler(vorn_test::throwing_handler);
     std::vector<std::thread> threads;
     for (uint64_t t = 0; t < kThreads; ++t)
         threads.emplace_back([t] {
@@ -37,6 +41,7 @@ TEST(Threads, ContainersOfDifferentThreadsAtTheSameTime) {
             }
         });
     for (auto &th : threads) th.join();
+    EX_set_raise_handler(before);
     EXPECT_EQ(MM_blocks_in_use(), blocks);
 }
 
